@@ -1,0 +1,135 @@
+// valdor-cli: the jobs of VALDOR+ without a screen, for scripts, batch runs and tests.
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <iostream>
+#include <system_error>
+
+#include "cli/consola.h"
+#include "cli/ordenes.h"
+#include "stores/almacen.h"
+#include "stores/literales.h"
+#include "stores/texto.h"
+
+namespace fs = std::filesystem;
+using namespace valdor;
+using namespace valdor::cli;
+
+namespace {
+
+constexpr std::string_view USO = R"(Uso: valdor-cli [--programa DIR] [--trabajo DIR] [--ahora "AAAA-MM-DD HH:MM"] ORDEN [opciones]
+
+Órdenes:
+  muestra  [--mes M --ano A] [--empresas N --trabajadores M]
+           escribe la oficina de muestra en las carpetas del programa y de trabajo
+           (por omisión, la del mes anterior al actual)
+  ajustes  [--clave-autorizacion V] [--clave-silcon V] [--fecha-autorizacion V]
+           [--ruta-winsuite V] [--emisor NOMBRE]
+           muestra los ajustes del intercambio; con opciones, los guarda
+  empresas [--mes M --ano A]
+           lista las empresas con nóminas calculadas en el mes: código, nombre, trabajadores
+
+La carpeta del programa es la del ejecutable, salvo --programa o VALDOR_PROGRAMA.
+La carpeta de trabajo es la actual; --trabajo cambia a ella antes de empezar.
+)"_cp;
+
+fs::path carpetaDelEjecutable() {
+  std::error_code ec;
+  const fs::path exe = fs::read_symlink("/proc/self/exe", ec);
+  return ec ? fs::current_path() : exe.parent_path();
+}
+
+// Global options, then the order and its own arguments.
+Llamada leeLlamada(int argc, char** argv) {
+  std::optional<fs::path> programa, trabajo;
+  std::optional<Momento> ahora;
+  int i = 1;
+  auto valor = [&](std::string_view opcion) -> std::string {
+    if (i + 1 >= argc) throw ErrorLlamada("Falta el valor de " + std::string(opcion) + ".");
+    return argv[++i];
+  };
+  for (; i < argc; ++i) {
+    const std::string a = argv[i];
+    if (a == "--programa") {
+      programa = fs::path(valor(a));
+    } else if (a == "--trabajo") {
+      trabajo = fs::path(valor(a));
+    } else if (a == "--ahora") {
+      const std::string texto = valor(a);
+      ahora = leeMomento(texto);
+      if (!ahora)
+        throw ErrorLlamada("--ahora espera \"AAAA-MM-DD HH:MM\" con una fecha y hora reales: " +
+                           utf8ACp1252(texto) + ".");
+    } else if (a == "-h" || a == "--help" || a == "--ayuda") {
+      return {};
+    } else if (a.rfind("--", 0) == 0) {
+      throw ErrorLlamada(std::string("Opción desconocida: "_cp) + utf8ACp1252(a) + ".");
+    } else {
+      break;
+    }
+  }
+  if (i >= argc) throw ErrorLlamada("Falta la orden.");
+
+  Llamada llamada;
+  llamada.orden = argv[i];
+  llamada.argumentos.assign(argv + i + 1, argv + argc);
+  llamada.ahora = ahora.value_or(momentoActual());
+
+  // The sample office is written into new folders; every other order needs them.
+  const bool creaCarpetas = llamada.orden == "muestra";
+  if (trabajo) {
+    std::error_code ec;
+    if (creaCarpetas) fs::create_directories(*trabajo, ec);
+    if (!fs::is_directory(*trabajo, ec))
+      throw ErrorTrabajo("No existe la carpeta de trabajo \"" + utf8ACp1252(trabajo->string()) + "\".");
+    fs::current_path(*trabajo, ec);
+    if (ec)
+      throw ErrorTrabajo("No se puede entrar en la carpeta de trabajo \"" + utf8ACp1252(trabajo->string()) +
+                         "\": " + utf8ACp1252(ec.message()) + ".");
+  }
+  if (!programa) {
+    if (const char* entorno = std::getenv("VALDOR_PROGRAMA"); entorno && *entorno) programa = fs::path(entorno);
+  }
+  llamada.carpetas.programa = fs::absolute(programa.value_or(carpetaDelEjecutable()));
+  llamada.carpetas.trabajo = fs::current_path();
+  std::error_code ec;
+  if (creaCarpetas) fs::create_directories(llamada.carpetas.programa, ec);
+  if (!fs::is_directory(llamada.carpetas.programa, ec))
+    throw ErrorTrabajo("No existe la carpeta del programa \"" + utf8ACp1252(llamada.carpetas.programa.string()) +
+                       "\".");
+  return llamada;
+}
+
+int ejecuta(const Llamada& llamada) {
+  if (llamada.orden == "muestra") return ordenMuestra(llamada);
+  if (llamada.orden == "ajustes") return ordenAjustes(llamada);
+  if (llamada.orden == "empresas") return ordenEmpresas(llamada);
+  throw ErrorLlamada("Orden desconocida: " + utf8ACp1252(llamada.orden) + ".");
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  try {
+    const Llamada llamada = leeLlamada(argc, argv);
+    if (llamada.orden.empty()) {
+      escribe(std::cout, USO);
+      return SALIDABIEN;
+    }
+    return ejecuta(llamada);
+  } catch (const ErrorLlamada& e) {
+    escribeLinea(std::cerr, e.what());
+    escribe(std::cerr, USO);
+    return SALIDALLAMADA;
+  } catch (const ErrorTrabajo& e) {
+    escribeLinea(std::cerr, e.what());
+    return SALIDAFALLO;
+  } catch (const ErrorAlmacen& e) {
+    escribeLinea(std::cerr, e.what());
+    return SALIDAFALLO;
+  } catch (const std::exception& e) {
+    escribeLinea(std::cerr, std::string("Error inesperado: ") + utf8ACp1252(e.what()));
+    return SALIDAFALLO;
+  }
+}

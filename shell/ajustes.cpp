@@ -1,0 +1,371 @@
+// The exchange settings file "VALDOR.MDB", the sender's name beside it, and the
+// configuration dialog's grid over both.
+#include "shell/ajustes.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <chrono>
+#include <cstring>
+#include <fstream>
+#include <optional>
+#include <string>
+#include <system_error>
+#include <thread>
+
+#include "stores/texto.h"
+
+namespace valdor {
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// ---- Layout of record 1 --------------------------------------------------------------
+
+struct Campo {
+  std::size_t desde;
+  std::size_t ancho;
+  std::string REGINTERCAMBIO::*miembro;
+};
+
+constexpr Campo CAMPOS[] = {
+    {0, ANCHOCLAVEAUTORIZA, &REGINTERCAMBIO::CLAVEAUTORIZA},
+    {8, ANCHOCLAVESILCON, &REGINTERCAMBIO::CLAVESILCON},
+    {16, ANCHORUTAWINSUITE, &REGINTERCAMBIO::RUTAWINSUITE},
+    {166, ANCHOFECHAAUTORIZA, &REGINTERCAMBIO::FECHAAUTORIZA},
+};
+static_assert(166 + ANCHOFECHAAUTORIZA == LONGITUDREGISTRO);
+
+// How long a get or put waits for a lock that another copy of the program holds.
+constexpr auto ESPERACERROJO = std::chrono::seconds(2);
+constexpr auto PAUSACERROJO = std::chrono::milliseconds(20);
+
+// ---- Names and messages ----------------------------------------------------------------
+
+bool mismoNombreSinMayusculas(std::string_view a, std::string_view b) {
+  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
+    auto baja = [](char c) { return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c; };
+    return baja(x) == baja(y);
+  });
+}
+
+// The file `nombre` in `carpeta`: under its exact name when it is there, else a file of
+// the same name in another case (the files come from a system that ignores case; of
+// several, the first in name order, so the choice does not depend on the directory's
+// order), else the exact name, for creating it.
+fs::path buscaFichero(const fs::path& carpeta, std::string_view nombre) {
+  const fs::path exacto = carpeta / nombre;
+  std::error_code ec;
+  if (fs::exists(exacto, ec)) return exacto;
+  std::optional<fs::path> hallado;
+  fs::directory_iterator it(carpeta.empty() ? fs::path(".") : carpeta, ec);
+  for (; !ec && it != fs::directory_iterator(); it.increment(ec)) {
+    const std::string otro = it->path().filename().string();
+    if (mismoNombreSinMayusculas(otro, nombre) &&
+        (!hallado || otro < hallado->filename().string())) {
+      hallado = carpeta / otro;
+    }
+  }
+  return hallado.value_or(exacto);
+}
+
+// Messages are Windows-1252 text, like every text the screens show; the path and the
+// system's reason come in as UTF-8.
+std::string entreComillas(const fs::path& ruta) {
+  return "\"" + utf8ACp1252(ruta.string()) + "\"";
+}
+
+std::string razon(int error) { return utf8ACp1252(std::generic_category().message(error)); }
+
+bool esDiscoLleno(int error) { return error == ENOSPC || error == EDQUOT; }
+
+// ---- The lock of record 1 --------------------------------------------------------------
+
+// An exclusive lock on the bytes of record 1, held for one get or put. The lock belongs
+// to the open file description, so it conflicts with any other opening of the file, in
+// this process too. A file system that keeps no locks is used without one: refusing
+// every read and write there would leave the program without its settings.
+class CerrojoRegistro {
+ public:
+  explicit CerrojoRegistro(int fd) : fd_(fd) {
+    const auto limite = std::chrono::steady_clock::now() + ESPERACERROJO;
+    for (;;) {
+      if (pide(F_WRLCK) == 0) {
+        tomado_ = true;
+        return;
+      }
+      const int error = errno;
+      if (error == EINTR) continue;
+      if (error == EAGAIN || error == EACCES) {
+        if (std::chrono::steady_clock::now() >= limite) {
+          ocupado_ = true;
+          return;
+        }
+        std::this_thread::sleep_for(PAUSACERROJO);
+        continue;
+      }
+      // ENOLCK, EINVAL, EOPNOTSUPP: no locks on this file system.
+      return;
+    }
+  }
+  ~CerrojoRegistro() {
+    if (tomado_) pide(F_UNLCK);
+  }
+  CerrojoRegistro(const CerrojoRegistro&) = delete;
+  CerrojoRegistro& operator=(const CerrojoRegistro&) = delete;
+
+  // True when another user holds the record beyond the wait.
+  bool ocupado() const { return ocupado_; }
+
+ private:
+  int pide(short tipo) const {
+    struct flock f {};
+    f.l_type = tipo;
+    f.l_whence = SEEK_SET;
+    f.l_start = 0;
+    f.l_len = static_cast<off_t>(LONGITUDREGISTRO);
+    f.l_pid = 0;
+    return ::fcntl(fd_, F_OFD_SETLK, &f);
+  }
+
+  int fd_;
+  bool tomado_ = false;
+  bool ocupado_ = false;
+};
+
+// ---- Whole writes ------------------------------------------------------------------------
+
+// Writes all of `datos` at `desde`, over partial writes. Returns 0 or the error; a write
+// that moves nothing counts as a full disk.
+int escribeTodo(int fd, std::string_view datos, off_t desde) {
+  std::size_t hecho = 0;
+  while (hecho < datos.size()) {
+    const ssize_t n = ::pwrite(fd, datos.data() + hecho, datos.size() - hecho,
+                               desde + static_cast<off_t>(hecho));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return errno;
+    }
+    if (n == 0) return ENOSPC;
+    hecho += static_cast<std::size_t>(n);
+  }
+  return 0;
+}
+
+}  // namespace
+
+// ---- The record as bytes -----------------------------------------------------------------
+
+std::string aBytes(const REGINTERCAMBIO& reg) {
+  std::string bytes;
+  bytes.reserve(LONGITUDREGISTRO);
+  for (const Campo& c : CAMPOS) bytes += ajusta(reg.*c.miembro, c.ancho);
+  return bytes;
+}
+
+// A field wholly inside `bytes` takes its bytes as they are, blanks included. A field
+// that the bytes cover only in part (a file cut short) takes the bytes present, filled
+// with blanks to its width, so that it reads as a complete field of a shorter text. A
+// field the bytes don't reach keeps its value. Bytes beyond the record are ignored.
+void desdeBytes(std::string_view bytes, REGINTERCAMBIO& reg) {
+  for (const Campo& c : CAMPOS) {
+    if (bytes.size() <= c.desde) break;
+    reg.*c.miembro = ajusta(bytes.substr(c.desde, c.ancho), c.ancho);
+  }
+}
+
+// ---- The open settings file ------------------------------------------------------------
+
+FicheroAjustes::FicheroAjustes(const std::filesystem::path& carpeta)
+    : ruta_(buscaFichero(carpeta, FICHEROAJUSTES)) {
+  fd_ = ::open(ruta_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
+  if (fd_ < 0) errorApertura_ = errno;
+}
+
+FicheroAjustes::~FicheroAjustes() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool FicheroAjustes::abierto() const { return fd_ >= 0; }
+
+std::uintmax_t FicheroAjustes::longitud() const {
+  struct stat st {};
+  if (fd_ < 0 || ::fstat(fd_, &st) != 0 || st.st_size < 0) return 0;
+  return static_cast<std::uintmax_t>(st.st_size);
+}
+
+bool FicheroAjustes::lee(REGINTERCAMBIO& reg) {
+  if (fd_ < 0) return false;
+  CerrojoRegistro cerrojo(fd_);
+  if (cerrojo.ocupado()) return false;
+  char bufer[LONGITUDREGISTRO];
+  std::size_t leido = 0;
+  while (leido < LONGITUDREGISTRO) {
+    const ssize_t n = ::pread(fd_, bufer + leido, LONGITUDREGISTRO - leido,
+                              static_cast<off_t>(leido));
+    if (n < 0) {
+      if (errno == EINTR) continue;
+      return false;
+    }
+    if (n == 0) break;
+    leido += static_cast<std::size_t>(n);
+  }
+  if (leido == 0) return false;
+  desdeBytes(std::string_view(bufer, leido), reg);
+  return true;
+}
+
+void FicheroAjustes::escribe(const REGINTERCAMBIO& reg) {
+  if (fd_ < 0) {
+    throw ErrorAjustes("No se puede abrir el fichero de ajustes " + entreComillas(ruta_) +
+                       ": " + razon(errorApertura_));
+  }
+  CerrojoRegistro cerrojo(fd_);
+  if (cerrojo.ocupado()) {
+    throw ErrorAjustes("El fichero de ajustes " + entreComillas(ruta_) +
+                       " est\xE1 bloqueado por otro usuario. Int\xE9ntelo de nuevo m\xE1s tarde.");
+  }
+  const int error = escribeTodo(fd_, aBytes(reg), 0);
+  if (error == 0) return;
+  if (esDiscoLleno(error)) {
+    throw ErrorAjustes("No queda espacio en el disco para guardar el fichero de ajustes " +
+                       entreComillas(ruta_) + ".");
+  }
+  throw ErrorAjustes("No se puede escribir el fichero de ajustes " + entreComillas(ruta_) +
+                     ": " + razon(error));
+}
+
+// ---- Fills for an empty file -----------------------------------------------------------
+
+REGINTERCAMBIO registroEnBlanco() {
+  return {std::string(ANCHOCLAVEAUTORIZA, ' '), std::string(ANCHOCLAVESILCON, ' '),
+          std::string(ANCHORUTAWINSUITE, ' '), std::string(ANCHOFECHAAUTORIZA, ' ')};
+}
+
+REGINTERCAMBIO registroDeConfiguracion() {
+  return {std::string(ANCHOCLAVEAUTORIZA, ' '), std::string(ANCHOCLAVESILCON, ' '),
+          std::string(RUTAWINSUITEPORDEFECTO), ""};
+}
+
+// The main window's start holds no record yet, so it starts from blanks whether the file
+// is empty or not; a whole record then overwrites every field.
+REGINTERCAMBIO leeAjustesAlArrancar(FicheroAjustes& fichero) {
+  REGINTERCAMBIO reg = registroEnBlanco();
+  fichero.lee(reg);
+  reg.CLAVEAUTORIZA = ajusta(recorta(reg.CLAVEAUTORIZA), ANCHOCLAVEAUTORIZA);
+  reg.CLAVESILCON = ajusta(recorta(reg.CLAVESILCON), ANCHOCLAVESILCON);
+  return reg;
+}
+
+// ---- The two keys --------------------------------------------------------------------
+
+std::string claveAutorizaParaETI(std::string_view CLAVEAUTORIZA) {
+  return llenaIzq(recorta(CLAVEAUTORIZA), ANCHOCLAVEAUTORIZA, '0');
+}
+
+// Filled with blanks on the right and trimmed again: what remains is the trimmed key.
+std::string claveSilconParaETI(std::string_view CLAVESILCON) { return recorta(CLAVESILCON); }
+
+// Both keys are 8 wide.
+std::string claveParaPieAFI(std::string_view clave) {
+  return llenaDer(clave, ANCHOCLAVEAUTORIZA, ' ');
+}
+
+// ---- The sender's name -----------------------------------------------------------------
+
+std::string leeEmisor(const std::filesystem::path& carpeta) {
+  std::ifstream entrada(buscaFichero(carpeta, FICHEROEMISOR), std::ios::binary);
+  std::string linea;
+  if (!entrada || !std::getline(entrada, linea)) return "";
+  if (!linea.empty() && linea.back() == '\r') linea.pop_back();
+  return izquierda(linea, ANCHOEMISOR);
+}
+
+// The name goes to a new file beside the old one, which then takes the old one's place in
+// one step: a failure leaves the former name whole. Only the first line of the name is
+// kept, since only the first line is read back.
+void guardaEmisor(const std::filesystem::path& carpeta, std::string_view nombre) {
+  const fs::path destino = buscaFichero(carpeta, FICHEROEMISOR);
+  std::string contenido(izquierda(nombre.substr(0, nombre.find_first_of("\r\n")), ANCHOEMISOR));
+  contenido += '\n';
+
+  auto falla = [&](int error) -> ErrorAjustes {
+    if (esDiscoLleno(error)) {
+      return ErrorAjustes("No queda espacio en el disco para guardar el nombre del emisor en " +
+                          entreComillas(destino) + ".");
+    }
+    return ErrorAjustes("No se puede guardar el nombre del emisor en " + entreComillas(destino) +
+                        ": " + razon(error));
+  };
+
+  fs::path temporal;
+  int fd = -1;
+  for (int intento = 0; fd < 0 && intento < 100; ++intento) {
+    temporal = destino.parent_path() / (destino.filename().string() + "." +
+                                        std::to_string(::getpid()) + "." +
+                                        std::to_string(intento) + ".tmp");
+    fd = ::open(temporal.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd < 0 && errno != EEXIST) throw falla(errno);
+  }
+  if (fd < 0) throw falla(EEXIST);
+
+  int error = escribeTodo(fd, contenido, 0);
+  if (error == 0 && ::fsync(fd) != 0) error = errno;
+  if (::close(fd) != 0 && error == 0) error = errno;
+  if (error == 0 && ::rename(temporal.c_str(), destino.c_str()) != 0) error = errno;
+  if (error != 0) {
+    ::unlink(temporal.c_str());
+    throw falla(error);
+  }
+}
+
+// ---- The configuration dialog's grid -----------------------------------------------------
+
+// The dialog starts from its own fill whether the file is empty or not: a whole record
+// overwrites it, and a record cut short keeps it in the fields it doesn't reach.
+std::array<FilaConfiguracion, 5> cargaConfiguracion(FicheroAjustes& fichero,
+                                                     std::string_view EMISORNOMBRE) {
+  REGINTERCAMBIO reg = registroDeConfiguracion();
+  fichero.lee(reg);
+
+  std::array<FilaConfiguracion, 5> filas{{
+      {"Emisor de Intercambio", recorta(EMISORNOMBRE), ANCHOEMISOR, ""},
+      {"Clave de autorizaci\xF3n", recorta(reg.CLAVEAUTORIZA), ANCHOCLAVEAUTORIZA, ""},
+      {"Clave Silcon", recorta(reg.CLAVESILCON), ANCHOCLAVESILCON, ""},
+      {"Fecha de autorizaci\xF3n", recorta(reg.FECHAAUTORIZA), ANCHOFECHAAUTORIZA, "99/99/9999"},
+      {"Ruta de Winsuite", "", ANCHORUTAWINSUITE, ""},
+  }};
+  // A route that starts with a blank or a "0" is taken for no route at all.
+  const std::string& ruta = reg.RUTAWINSUITE;
+  if (!ruta.empty() && ruta.front() != '0' && ruta.front() != ' ') filas[4].valor = recorta(ruta);
+  return filas;
+}
+
+REGINTERCAMBIO guardaConfiguracion(FicheroAjustes& fichero,
+                                   const std::array<FilaConfiguracion, 5>& filas) {
+  REGINTERCAMBIO reg;
+  reg.CLAVEAUTORIZA = ajusta(filas[1].valor, ANCHOCLAVEAUTORIZA);
+  reg.CLAVESILCON = ajusta(filas[2].valor, ANCHOCLAVESILCON);
+  reg.FECHAAUTORIZA = ajusta(filas[3].valor, ANCHOFECHAAUTORIZA);
+  reg.RUTAWINSUITE = ajusta(filas[4].valor, ANCHORUTAWINSUITE);
+  fichero.escribe(reg);
+  return reg;
+}
+
+// The mask's literal "/" stands at positions 3 and 6; every other position takes a digit,
+// or a blank for one not typed. An untouched mask gives "".
+bool encajaMascaraFecha(std::string_view texto) {
+  if (texto.size() > ANCHOFECHAAUTORIZA) return false;
+  for (std::size_t i = 0; i < texto.size(); ++i) {
+    const char c = texto[i];
+    const bool valido = (i == 2 || i == 5) ? c == '/' : ((c >= '0' && c <= '9') || c == ' ');
+    if (!valido) return false;
+  }
+  return true;
+}
+
+}  // namespace valdor

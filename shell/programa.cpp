@@ -1,0 +1,66 @@
+#include "shell/programa.h"
+
+#include "stores/texto.h"
+
+namespace valdor {
+
+Programa::Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, Momento ahora)
+    : almacenes(std::move(carpetas), dialogos), dialogos_(dialogos), sistema_(sistema), ahora_(ahora) {}
+
+Programa::~Programa() { termina(); }
+
+void Programa::detectaSeparadores() {
+  // 166.386 lies below 1000, so its formatted text holds no thousands mark: a comma in
+  // it can only be the decimal one.
+  const std::string formateado = formatea(166.386, "##,##0.00", sistema_);
+  if (formateado.find(',') != std::string::npos) {
+    g.SEPDECIMAL = ",";
+    g.SEPMILES = ".";
+  } else {
+    g.SEPDECIMAL = ".";
+    g.SEPMILES = ",";
+  }
+}
+
+void Programa::leeAjustes() {
+  FicheroAjustes fichero(carpetas().trabajo);
+  registro = leeAjustesAlArrancar(fichero);
+  g.RUTAWS = registro.RUTAWINSUITE;
+}
+
+void Programa::arranca() {
+  detectaSeparadores();
+
+  // Close before create makes a repeated start safe; create stops quietly on a file
+  // that exists, so the work stores keep their rows from one start to the next.
+  Almacenes& a = almacenes;
+  a.CIERRAACUVALDOR();
+  a.CREAACUVALDOR();
+  a.ABREACUVALDOR();
+  a.CIERRATEMPORAL();
+  a.CREATEMPORAL();
+  a.ABRETEMPORAL();
+  a.CIERRATIPODOC();
+  a.CREATIPODOC();
+  a.ABRETIPODOC();
+  a.ABREMAESTROS();
+  a.CIERRACUENTAS();
+  a.CREACUENTAS();
+  a.ABRECUENTAS();
+
+  leeAjustes();
+  g.EMISORNOMBRE = leeEmisor(carpetas().trabajo);
+  arrancado_ = true;
+}
+
+void Programa::termina() noexcept {
+  if (!arrancado_) return;
+  arrancado_ = false;
+  almacenes.CIERRAACUVALDOR();
+  almacenes.CIERRATEMPORAL();
+  almacenes.CIERRATIPODOC();
+  almacenes.CIERRACUENTAS();
+  almacenes.BORRATEMPORAL();
+}
+
+}  // namespace valdor

@@ -1,0 +1,76 @@
+// The run of the program: the global variables that carry an exchange from the
+// wizard to the writers and the editor, the settings record in memory, the stores,
+// and the start and exit sequences. One object of this class is the program's state;
+// the forms and the command line hold it and pass it by reference.
+#pragma once
+
+#include <string>
+
+#include "shell/ajustes.h"
+#include "shell/dialogos.h"
+#include "shell/momento.h"
+#include "stores/catalogo.h"
+#include "stores/numeros.h"
+
+namespace valdor {
+
+// The program's global variables. Flags that cross forms are doubles holding 0 or 1.
+struct Globales {
+  std::string SEPDECIMAL = ".";
+  std::string SEPMILES = ",";
+  double COMADECIMAL = 0;
+  std::string RUTAWS;    // RUTAWINSUITE as read, not trimmed
+  std::string LANZADOR;  // command line of the transmission tool
+  std::string LINEAETI;
+  std::string LINEASIL;
+  std::string LINEAEMPAFI;
+  std::string LINEARZSAFI;
+  std::string FICHEROSALIDA;
+  std::string FICHEROEDITADO;
+  double PASOASISTENTE = 0;
+  double CANCELADO = 0;
+  double HAYEXCLUIDAS = 0;
+  double EDITAAFI = 0;
+  std::string EMISORNOMBRE;
+  std::string MESPROCESO;
+  std::string ANOPROCESO;
+};
+
+class Programa {
+ public:
+  // `sistema` are the separators of the machine's regional setting (read once by the
+  // caller with separadoresDelSistema, or pinned by a test); `ahora` the moment of
+  // the run.
+  Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, Momento ahora);
+  ~Programa();
+  Programa(const Programa&) = delete;
+  Programa& operator=(const Programa&) = delete;
+
+  Globales g;
+  REGINTERCAMBIO registro;
+  Almacenes almacenes;
+
+  Dialogos& dialogos() { return dialogos_; }
+  const Carpetas& carpetas() const { return almacenes.carpetas(); }
+  const Separadores& separadores() const { return sistema_; }
+  const Momento& ahora() const { return ahora_; }
+
+  // The start of the main window, before it is shown: the decimal separator, the work
+  // stores and the master stores in their order (close, create, open), the settings
+  // and the sender's name.
+  void arranca();
+  // The exit: the four work stores closed in their order, then "TEMPORAL VALDOR.MDB"
+  // deleted. Harmless twice; also run at the end of the object's life.
+  void termina() noexcept;
+
+ private:
+  void detectaSeparadores();
+  void leeAjustes();
+
+  Dialogos& dialogos_;
+  Separadores sistema_;
+  Momento ahora_;
+  bool arrancado_ = false;
+};
+
+}  // namespace valdor

@@ -1,0 +1,336 @@
+// The keyed-table engine behind every store: one SQLite database file per store,
+// named as the catalogue names it, with its tables, columns and indices.
+//
+// One small interface serves every store: open, create when missing, close (harmless
+// twice), table cursors with an index, seek, first/next/last, read and write a column,
+// add, edit, update, delete, count, and prepared queries. Text crosses this interface
+// as Windows-1252 (the core's text) and is UTF-8 inside SQLite. Dates are ISO text
+// inside SQLite and "dd/mm/yyyy" outside. Text keys and ORDER BY on text compare with
+// the project's own collation ESPANOL, registered on every connection.
+#pragma once
+
+#include <chrono>
+#include <cstdint>
+#include <filesystem>
+#include <initializer_list>
+#include <memory>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <unordered_map>
+#include <variant>
+#include <vector>
+
+struct sqlite3;
+struct sqlite3_stmt;
+
+namespace valdor {
+
+// ---- Values -----------------------------------------------------------------------
+
+// A column value: Null, a number or a Windows-1252 text. Whatever SQLite holds in a
+// column, it reads as text or as a number.
+class Valor {
+ public:
+  Valor() = default;  // Null
+  Valor(double numero) : v_(numero) {}
+  Valor(int numero) : v_(static_cast<double>(numero)) {}
+  Valor(std::string texto) : v_(std::move(texto)) {}
+  Valor(std::string_view texto) : v_(std::string(texto)) {}
+  Valor(const char* texto) : v_(std::string(texto)) {}
+
+  bool esNulo() const { return std::holds_alternative<std::monostate>(v_); }
+  bool esNumero() const { return std::holds_alternative<double>(v_); }
+  bool esTexto() const { return std::holds_alternative<std::string>(v_); }
+
+  // Null is "", a number its general text.
+  std::string texto() const;
+  // Null is 0, a text its numeric value.
+  double numero() const;
+
+  friend bool operator==(const Valor&, const Valor&) = default;
+
+ private:
+  std::variant<std::monostate, double, std::string> v_;
+};
+
+// ---- Table definitions -----------------------------------------------------------
+
+enum class TipoColumna { Texto, Doble, Fecha };
+
+struct DefColumna {
+  std::string nombre;
+  TipoColumna tipo = TipoColumna::Texto;
+  int ancho = 0;  // characters, for text columns
+};
+
+struct DefIndice {
+  std::string nombre;
+  std::vector<std::string> claves;
+  bool primario = false;
+  bool unico = false;
+};
+
+struct DefTabla {
+  std::string nombre;
+  std::vector<DefColumna> columnas;
+  std::vector<DefIndice> indices;
+};
+
+// ---- Errors -----------------------------------------------------------------------
+
+// Every failure of a store, with a Spanish message (Windows-1252) that names the file.
+class ErrorAlmacen : public std::runtime_error {
+ public:
+  enum class Tipo {
+    Bloqueo,     // another user holds the file
+    Danado,      // not a sound database: never overwritten, never deleted
+    NoExiste,    // the file or a table is missing
+    Disco,       // the disk is full or cannot be written
+    Duplicado,   // a row with the same unique key exists
+    Dato,        // a value that does not fit its column
+    Otro
+  };
+  ErrorAlmacen(Tipo tipo, const std::string& mensaje) : std::runtime_error(mensaje), tipo_(tipo) {}
+  Tipo tipo() const { return tipo_; }
+
+ private:
+  Tipo tipo_;
+};
+
+// ---- Stores -----------------------------------------------------------------------
+
+class Consulta;
+class Tabla;
+
+struct OpcionesAlmacen {
+  // How long a locked file is waited for before the lock is reported.
+  std::chrono::milliseconds esperaBloqueo{2000};
+};
+
+class Almacen {
+ public:
+  Almacen() = default;
+  ~Almacen();
+  Almacen(const Almacen&) = delete;
+  Almacen& operator=(const Almacen&) = delete;
+
+  // Creates the store with its tables and indices when no file exists at `ruta`.
+  // Returns false, quietly, when the file exists: an existing file is never touched.
+  // Throws ErrorAlmacen when the file cannot be made; a half-made file is removed.
+  static bool crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas);
+
+  // Opens an existing store. Throws ErrorAlmacen: NoExiste for a missing file, Danado
+  // for a file that is not a sound SQLite database, Bloqueo for a locked one.
+  void abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones = {});
+  // Closes the store and every cursor and query still open on it. Harmless twice.
+  void cierra() noexcept;
+  bool abierto() const { return db_ != nullptr; }
+  const std::filesystem::path& ruta() const { return ruta_; }
+
+  bool tieneTabla(std::string_view tabla);
+
+  // A statement that returns no rows (DELETE, UPDATE, ...). Returns the rows changed.
+  std::int64_t ejecuta(std::string_view sql, std::initializer_list<Valor> parametros = {});
+  // A prepared query; parameters are bound to its "?" in order. Never builds SQL from data.
+  Consulta consulta(std::string_view sql, std::vector<Valor> parametros = {});
+
+  // Transactions; see also `Transaccion`.
+  void empieza();
+  void confirma();
+  void deshaz() noexcept;
+
+  // Grows with every write through this connection, so that cursors know when to
+  // look again for their place.
+  std::uint64_t generacion() const { return generacion_; }
+
+  // The error of the last SQLite call as an ErrorAlmacen naming this store's file.
+  [[noreturn]] void falla(int codigo, std::string_view que) const;
+
+  sqlite3* conexion() const { return db_; }
+  void anotaEscritura() { ++generacion_; }
+  // Grows with every open, so that a cursor of an earlier opening knows it is stale.
+  std::uint64_t apertura() const { return apertura_; }
+
+ private:
+  sqlite3* db_ = nullptr;
+  std::filesystem::path ruta_;
+  std::uint64_t generacion_ = 0;
+  std::uint64_t apertura_ = 0;
+};
+
+// Writes that belong together: rolled back unless confirmed.
+class Transaccion {
+ public:
+  explicit Transaccion(Almacen& almacen) : almacen_(almacen) { almacen_.empieza(); }
+  ~Transaccion() {
+    if (!hecha_) almacen_.deshaz();
+  }
+  Transaccion(const Transaccion&) = delete;
+  Transaccion& operator=(const Transaccion&) = delete;
+  void confirma() {
+    almacen_.confirma();
+    hecha_ = true;
+  }
+
+ private:
+  Almacen& almacen_;
+  bool hecha_ = false;
+};
+
+// A prepared statement (RAII).
+class Sentencia {
+ public:
+  Sentencia() = default;
+  Sentencia(const Almacen& almacen, std::string_view sql);
+  ~Sentencia();
+  Sentencia(Sentencia&& otra) noexcept;
+  Sentencia& operator=(Sentencia&& otra) noexcept;
+  Sentencia(const Sentencia&) = delete;
+  Sentencia& operator=(const Sentencia&) = delete;
+
+  void vincula(int posicion, const Valor& valor);  // 1-based
+  // One step: true while there is a row.
+  bool paso();
+  void reinicia();
+  int columnas() const;
+  std::string nombreColumna(int i) const;
+  // The value of result column i (0-based): ISO dates of a DATE column as "dd/mm/yyyy".
+  Valor valor(int i) const;
+  bool valida() const { return st_ != nullptr; }
+
+ private:
+  const Almacen* almacen_ = nullptr;
+  sqlite3_stmt* st_ = nullptr;
+};
+
+// The rows of a prepared query, read one at a time.
+class Consulta {
+ public:
+  Consulta(Sentencia sentencia);
+  // Moves to the next row; false at the end.
+  bool siguiente();
+  Valor campo(std::string_view columna) const;
+  Valor campo(int i) const { return sentencia_.valor(i); }
+  std::string texto(std::string_view columna) const { return campo(columna).texto(); }
+  double numero(std::string_view columna) const { return campo(columna).numero(); }
+  int columnas() const { return sentencia_.columnas(); }
+
+ private:
+  Sentencia sentencia_;
+  std::unordered_map<std::string, int> porNombre_;
+};
+
+// ---- Table cursors -------------------------------------------------------------------
+
+// A table cursor: a current index, a current row, seek and walk in index order (rowid
+// order without an index), and a buffer for editing or adding a row. A cursor that is
+// not open reads as an empty table, so that a store that failed to open, which was
+// already reported, gives "not found" at every seek instead of a crash; writing to
+// it throws.
+class Tabla {
+ public:
+  Tabla();
+  ~Tabla();
+  Tabla(const Tabla&) = delete;
+  Tabla& operator=(const Tabla&) = delete;
+
+  // Opens the table `nombre` of an open store. Throws ErrorAlmacen when it is missing.
+  void abre(Almacen& almacen, std::string_view nombre);
+  void cierra() noexcept;
+  bool abierta() const { return almacen_ != nullptr; }
+  const std::string& nombre() const { return nombre_; }
+
+  // Selects an index by name. False, with the current index kept, when the table has
+  // no index of that name.
+  bool indice(std::string_view nombre);
+  const std::string& indiceActual() const { return indice_; }
+
+  // Seek on the current index with "=", ">=", ">", "<=" or "<". Fewer keys than the
+  // index has compare a prefix. Returns true when a row was found; otherwise there is
+  // no current row (sinCoincidencia()).
+  bool busca(std::string_view comparacion, std::initializer_list<Valor> claves);
+  bool busca(std::string_view comparacion, const std::vector<Valor>& claves);
+  bool sinCoincidencia() const { return sinCoincidencia_; }
+
+  void primero();
+  void ultimo();
+  void siguiente();
+  void anterior();
+  bool fin() const { return !actual_ && !alPrincipio_; }       // EOF
+  bool principio() const { return !actual_ && alPrincipio_; }  // BOF
+  bool hayFila() const { return actual_.has_value() && !borrada_; }
+
+  // The column of the current row; Null without a current row or for an unknown column.
+  Valor campo(std::string_view columna) const;
+  std::string texto(std::string_view columna) const { return campo(columna).texto(); }
+  double numero(std::string_view columna) const { return campo(columna).numero(); }
+
+  // Editing: `nuevo` starts a new row (every column Null), `edita` the current one;
+  // `pon` sets a column of the buffer; `actualiza` writes it (throws ErrorAlmacen on a
+  // duplicate key or a value that does not fit); `cancela` drops it. After adding, the
+  // current row is the one that was current before, as the system expects.
+  void nuevo();
+  void edita();
+  void pon(std::string_view columna, const Valor& valor);
+  void actualiza();
+  void cancela() { edicion_.reset(); }
+  // Deletes the current row; afterwards there is no current row until the next move.
+  void borra();
+
+  std::int64_t cuenta();
+
+  // The table's columns as found in the store.
+  const std::vector<DefColumna>& columnas() const { return columnas_; }
+
+ private:
+  struct Fila {
+    std::int64_t rowid = 0;
+    std::vector<Valor> valores;
+  };
+  struct Edicion {
+    bool nueva = false;
+    std::vector<Valor> valores;
+    std::vector<bool> cambiadas;
+  };
+
+  bool disponible();
+  void exigeAbierta();
+  int posicionColumna(std::string_view columna) const;
+  std::string listaColumnas() const;
+  std::string expresionClave(std::size_t k, bool parametro) const;
+  std::string ordenIndice(bool descendente) const;
+  std::string comparacionClaves(std::string_view op, std::size_t n, bool conRowid) const;
+  std::vector<Valor> clavesDe(const Fila& f, std::size_t n) const;
+  std::vector<Valor> clavesParaBuscar(const std::vector<Valor>& claves, std::size_t n) const;
+  Sentencia& sentencia(const std::string& sql);
+  Fila leeFila(const Sentencia& s) const;
+  std::optional<Fila> unaFila(const std::string& donde, const std::vector<Valor>& parametros,
+                              bool descendente);
+  void ponActual(std::optional<Fila> fila, bool alPrincipio);
+  bool llenaLote();
+  Valor valorParaColumna(int i, const Valor& v) const;
+
+  Almacen* almacen_ = nullptr;
+  std::uint64_t apertura_ = 0;
+  std::string nombre_;
+  std::vector<DefColumna> columnas_;
+  std::unordered_map<std::string, int> posiciones_;  // upper-case name -> position
+  std::string indice_;
+  std::vector<int> claves_;  // column positions of the current index
+  std::optional<Fila> actual_;
+  bool borrada_ = false;
+  bool alPrincipio_ = false;
+  bool sinCoincidencia_ = false;
+  std::optional<Edicion> edicion_;
+  std::vector<Fila> lote_;  // the rows after the current one, last first
+  std::uint64_t generacionLote_ = 0;
+  std::unordered_map<std::string, Sentencia> sentencias_;  // prepared once per SQL text
+};
+
+// The SQL that creates a table and its indices, as `Almacen::crea` runs it.
+std::vector<std::string> sqlDeCreacion(const DefTabla& tabla);
+
+}  // namespace valdor

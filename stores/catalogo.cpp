@@ -1,0 +1,232 @@
+#include "stores/catalogo.h"
+
+#include <system_error>
+
+#include "stores/esquemas.h"
+#include "stores/numeros.h"
+#include "stores/texto.h"
+
+namespace valdor {
+
+namespace {
+
+constexpr std::string_view TITULOALMACENES = "Valdor Plus";
+
+std::string mayusculasAscii(std::string_view s) {
+  std::string r(s);
+  for (char& c : r)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return r;
+}
+
+}  // namespace
+
+std::string nombrePeriodo(std::string_view ANOPERIODO, std::string_view MESPERIODO) {
+  return "PX" + izquierda(recortaIzq(ANOPERIODO), 4) + std::string(MESPERIODO) + ".MDB";
+}
+
+std::string textoMesPeriodo(int mes) { return izquierda(std::to_string(mes), 2); }
+
+std::string textoAnoPeriodo(int ano) { return izquierda(recortaIzq(std::to_string(ano)), 4); }
+
+std::filesystem::path resuelveFichero(const std::filesystem::path& carpeta, std::string_view nombre) {
+  const std::filesystem::path exacta = carpeta / std::string(nombre);
+  std::error_code ec;
+  if (std::filesystem::exists(exacta, ec)) return exacta;
+  const std::string buscado = mayusculasAscii(nombre);
+  for (std::filesystem::directory_iterator it(carpeta, ec), fin; !ec && it != fin; it.increment(ec))
+    if (mayusculasAscii(it->path().filename().string()) == buscado) return it->path();
+  return exacta;
+}
+
+Almacenes::Almacenes(Carpetas carpetas, Dialogos& dialogos)
+    : carpetas_(std::move(carpetas)), dialogos_(dialogos) {}
+
+Almacenes::~Almacenes() = default;
+
+std::filesystem::path Almacenes::enTrabajo(std::string_view nombre) const {
+  return resuelveFichero(carpetas_.trabajo, nombre);
+}
+
+std::filesystem::path Almacenes::enPrograma(std::string_view nombre) const {
+  return resuelveFichero(carpetas_.programa, nombre);
+}
+
+void Almacenes::informa(const ErrorAlmacen& e, std::string_view mensajeBloqueo, bool alCrear) {
+  switch (e.tipo()) {
+    case ErrorAlmacen::Tipo::Bloqueo:
+      dialogos_.mensaje(TITULOALMACENES, mensajeBloqueo, Icono::Informacion);
+      return;
+    case ErrorAlmacen::Tipo::Danado:
+      // A damaged file is checked, reported and kept as it is.
+      dialogos_.mensaje(TITULOALMACENES, e.what(), Icono::Critico);
+      return;
+    default:
+      dialogos_.mensaje(TITULOALMACENES, std::string(alCrear ? "ERROR" : "ERROR ") + e.what(), Icono::Critico);
+      return;
+  }
+}
+
+bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas,
+                     std::string_view mensajeBloqueo) {
+  ALMACENACTUAL = ruta.filename().string();
+  try {
+    return Almacen::crea(ruta, tablas);
+  } catch (const ErrorAlmacen& e) {
+    informa(e, mensajeBloqueo, true);
+    return false;
+  }
+}
+
+bool Almacenes::abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
+                     std::string_view mensajeBloqueo) {
+  ALMACENACTUAL = ruta.filename().string();
+  try {
+    almacen.abre(ruta);
+  } catch (const ErrorAlmacen& e) {
+    informa(e, mensajeBloqueo, false);
+    return false;
+  }
+  bool todas = true;
+  for (const TablaDe& t : tablas) {
+    try {
+      t.tabla->abre(almacen, t.nombre);
+    } catch (const ErrorAlmacen& e) {
+      informa(e, mensajeBloqueo, false);
+      todas = false;
+    }
+  }
+  return todas;
+}
+
+// ---- Month store ----
+
+std::filesystem::path Almacenes::rutaPeriodo() const {
+  if (!recorta(NOMBREPERIODOFORZADO).empty()) return carpetas_.programa / NOMBREPERIODOFORZADO;
+  return enPrograma(nombrePeriodo(ANOPERIODO, MESPERIODO));
+}
+
+bool Almacenes::CREAPERIODO() {
+  const std::array<DefTabla, 2> tablas{esquemas::NOMIN(), esquemas::INCIDEN(true)};
+  return crea(rutaPeriodo(), tablas, MENSAJEBLOQUEO);
+}
+
+bool Almacenes::ABREPERIODO() {
+  const auto ruta = rutaPeriodo();
+  std::error_code ec;
+  if (!std::filesystem::exists(ruta, ec)) {
+    // A month without a store is passed over without a word; its tables read empty.
+    ALMACENACTUAL = ruta.filename().string();
+    return false;
+  }
+  return abre(periodo, ruta, {{&NOMIN, "NOMIN"}, {&INCIDEN, "INCIDEN"}}, MENSAJEBLOQUEO);
+}
+
+void Almacenes::CIERRAPERIODO() noexcept {
+  INCIDEN.cierra();
+  NOMIN.cierra();
+  periodo.cierra();
+}
+
+// ---- Master stores ----
+
+bool Almacenes::ABREMAESTROS() {
+  bool bien = abre(convenio, enPrograma(NOMBRECONVENIO),
+                   {{&CONVEN, "CONVEN"},
+                    {&CATEG, "CATEG"},
+                    {&CONVEPAGAS, "CONVEPAGAS"},
+                    {&CONVEANTI, "CONVEANTI"},
+                    {&CATEGORIAANTI, "CATEGORIAANTI"},
+                    {&CATEGORIAPAGAS, "CATEGORIAPAGAS"}},
+                   MENSAJEBLOQUEO);
+  bien &= abre(empresas, enPrograma(NOMBREEMPRESAS),
+               {{&ESA, "ESA"},
+                {&CENT, "CENT"},
+                {&SECC, "SECC"},
+                {&EmpresPagas, "EmpresPagas"},
+                {&EmpresAntiguedad, "EmpresAntiguedad"}},
+               MENSAJEBLOQUEO);
+  bien &= abre(producto, enPrograma(NOMBREPRODUCTO),
+               {{&WK, "WK"}, {&WKPAGAS, "WKPAGAS"}, {&WKANTIGUEDAD, "WKANTIGUEDAD"}}, MENSAJEBLOQUEO);
+  bien &= abre(constant, enPrograma(NOMBRECONSTANT),
+               {{&POSTA, "POSTA"}, {&MUT, "MUT"}, {&CONTRA, "CONTRA"}, {&EPIGRA, "EPIGRA"}}, MENSAJEBLOQUEO);
+  bien &= abre(bonifica, enPrograma(NOMBREBONIFICA), {{&BONIFI, "BONIFI"}}, MENSAJEBLOQUEO);
+  bien &= abre(desempleo, enPrograma(NOMBREDESEMPLEO), {{&DESEMPLEO, "DESEMPLEO"}}, MENSAJEBLOQUEO);
+  return bien;
+}
+
+void Almacenes::CIERRAMAESTROS() noexcept {
+  for (Tabla* t : {&CONVEN, &CATEG, &CONVEPAGAS, &CONVEANTI, &CATEGORIAANTI, &CATEGORIAPAGAS, &ESA, &CENT, &SECC,
+                   &EmpresPagas, &EmpresAntiguedad, &WK, &WKPAGAS, &WKANTIGUEDAD, &POSTA, &MUT, &CONTRA, &EPIGRA,
+                   &BONIFI, &DESEMPLEO})
+    t->cierra();
+  for (Almacen* a : {&convenio, &empresas, &producto, &constant, &bonifica, &desempleo}) a->cierra();
+}
+
+// ---- Work stores ----
+
+namespace {
+std::array<DefTabla, 1> una(const DefTabla& t) { return {t}; }
+}  // namespace
+
+bool Almacenes::CREATEMPORAL() { return crea(enTrabajo(NOMBRETEMPORAL), una(esquemas::TMPVALDOR()), MENSAJEBLOQUEO); }
+bool Almacenes::ABRETEMPORAL() {
+  return abre(temporal, enTrabajo(NOMBRETEMPORAL), {{&TMPVALDOR, "TMPVALDOR"}}, MENSAJEBLOQUEO);
+}
+void Almacenes::CIERRATEMPORAL() noexcept {
+  TMPVALDOR.cierra();
+  temporal.cierra();
+}
+void Almacenes::BORRATEMPORAL() noexcept {
+  std::error_code ec;
+  const auto ruta = enTrabajo(NOMBRETEMPORAL);
+  std::filesystem::remove(ruta, ec);
+  std::filesystem::remove(ruta.string() + "-journal", ec);
+}
+
+bool Almacenes::CREAACUVALDOR() { return crea(enTrabajo(NOMBREACUVALDOR), una(esquemas::VALDORTA()), MENSAJEBLOQUEO); }
+bool Almacenes::ABREACUVALDOR() {
+  return abre(acuvaldor, enTrabajo(NOMBREACUVALDOR), {{&VALDORTA, "VALDORTA"}}, MENSAJEBLOQUEO);
+}
+void Almacenes::CIERRAACUVALDOR() noexcept {
+  VALDORTA.cierra();
+  acuvaldor.cierra();
+}
+
+bool Almacenes::CREAILTS() { return crea(enTrabajo(NOMBREILTS), una(esquemas::ILTS()), MENSAJEBLOQUEOSELUNA); }
+bool Almacenes::ABREILTS() { return abre(ilts, enTrabajo(NOMBREILTS), {{&ILTS, "ILTS"}}, MENSAJEBLOQUEOSELUNA); }
+void Almacenes::CIERRAILTS() noexcept {
+  ILTS.cierra();
+  ilts.cierra();
+}
+
+bool Almacenes::CREAFORMACION() {
+  return crea(enTrabajo(NOMBREFORMACION), una(esquemas::FORMACION()), MENSAJEBLOQUEOSELUNA);
+}
+bool Almacenes::ABREFORMACION() {
+  return abre(formacion, enTrabajo(NOMBREFORMACION), {{&FORMACION, "FORMACION"}}, MENSAJEBLOQUEOSELUNA);
+}
+void Almacenes::CIERRAFORMACION() noexcept {
+  FORMACION.cierra();
+  formacion.cierra();
+}
+
+bool Almacenes::CREATIPODOC() { return crea(enTrabajo(NOMBRETIPODOC), una(esquemas::TDOCUMENTO()), MENSAJEBLOQUEO); }
+bool Almacenes::ABRETIPODOC() {
+  return abre(tipodoc, enTrabajo(NOMBRETIPODOC), {{&TDOCUMENTO, "TDOCUMENTO"}}, MENSAJEBLOQUEO);
+}
+void Almacenes::CIERRATIPODOC() noexcept {
+  TDOCUMENTO.cierra();
+  tipodoc.cierra();
+}
+
+bool Almacenes::CREACUENTAS() { return crea(enTrabajo(NOMBRECUENTAS), una(esquemas::CUENTASTAB()), MENSAJEBLOQUEO); }
+bool Almacenes::ABRECUENTAS() {
+  return abre(cuentas, enTrabajo(NOMBRECUENTAS), {{&CUENTASTAB, "CUENTASTAB"}}, MENSAJEBLOQUEO);
+}
+void Almacenes::CIERRACUENTAS() noexcept {
+  CUENTASTAB.cierra();
+  cuentas.cierra();
+}
+
+}  // namespace valdor

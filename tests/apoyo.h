@@ -1,0 +1,71 @@
+// Support shared by the tests: a temporary folder that removes itself, and a
+// recorder of the rules' messages and questions with scripted answers.
+#pragma once
+
+#include <deque>
+#include <filesystem>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "shell/dialogos.h"
+
+namespace valdor::pruebas {
+
+class CarpetaTemporal {
+ public:
+  CarpetaTemporal();
+  ~CarpetaTemporal();
+  CarpetaTemporal(const CarpetaTemporal&) = delete;
+  CarpetaTemporal& operator=(const CarpetaTemporal&) = delete;
+  const std::filesystem::path& ruta() const { return ruta_; }
+  std::filesystem::path operator/(std::string_view nombre) const { return ruta_ / std::string(nombre); }
+
+ private:
+  std::filesystem::path ruta_;
+};
+
+// The whole content of a file as bytes ("" when missing), and a file written whole.
+std::string leeBytes(const std::filesystem::path& ruta);
+void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes);
+
+class DialogosGrabador : public Dialogos {
+ public:
+  struct Aviso {
+    std::string titulo;
+    std::string texto;
+    Icono icono;
+  };
+
+  void mensaje(std::string_view titulo, std::string_view texto, Icono icono) override {
+    mensajes.push_back({std::string(titulo), std::string(texto), icono});
+  }
+  bool pregunta(std::string_view titulo, std::string_view texto, bool) override {
+    preguntas.push_back({std::string(titulo), std::string(texto), Icono::Pregunta});
+    if (respuestas.empty()) return false;
+    const bool r = respuestas.front();
+    respuestas.pop_front();
+    return r;
+  }
+  std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override {
+    preguntas.push_back({std::string(titulo), std::string(texto), Icono::Pregunta});
+    if (entradas.empty()) return std::nullopt;
+    auto r = entradas.front();
+    entradas.pop_front();
+    return r;
+  }
+  void progreso(int porcentaje, std::string_view e1, std::string_view e2) override {
+    progresos.push_back({std::to_string(porcentaje), std::string(e1) + "|" + std::string(e2), Icono::Informacion});
+  }
+  void puntero(Puntero p) override { punteros.push_back(p); }
+
+  std::vector<Aviso> mensajes;
+  std::vector<Aviso> preguntas;
+  std::vector<Aviso> progresos;
+  std::vector<Puntero> punteros;
+  std::deque<bool> respuestas;
+  std::deque<std::optional<std::string>> entradas;
+};
+
+}  // namespace valdor::pruebas

@@ -1,0 +1,352 @@
+// The store engine: creation discipline, damaged and locked files, the Spanish order of
+// keys, seeks and walks, column types, and the bytes of the core's text.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include "stores/almacen.h"
+#include "stores/colacion.h"
+#include "stores/esquemas.h"
+#include "stores/texto.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+using pruebas::CarpetaTemporal;
+using pruebas::escribeBytes;
+using pruebas::leeBytes;
+
+const DefTabla PERSONAS{"PERSONAS",
+                        {{"CODIGO", TipoColumna::Texto, 5},
+                         {"NOMBRE", TipoColumna::Texto, 30},
+                         {"IMPORTE", TipoColumna::Doble, 0},
+                         {"ALTA", TipoColumna::Fecha, 0}},
+                        {{"PORCODIGO", {"CODIGO"}, true, true}, {"PORNOMBRE", {"NOMBRE", "CODIGO"}, false, false}}};
+
+void anade(Tabla& t, const std::string& codigo, const std::string& nombre, double importe = 0) {
+  t.nuevo();
+  t.pon("CODIGO", codigo);
+  t.pon("NOMBRE", nombre);
+  t.pon("IMPORTE", importe);
+  t.actualiza();
+}
+
+// A raw connection of another user of the same file, which knows the collation as
+// any client that loads the project's extension does.
+struct OtraConexion {
+  explicit OtraConexion(const std::filesystem::path& ruta) {
+    sqlite3_open(ruta.c_str(), &db);
+    registraColacionEspanol(db);
+  }
+  ~OtraConexion() { sqlite3_close(db); }
+  std::string valor(const char* sql) {
+    sqlite3_stmt* st = nullptr;
+    sqlite3_prepare_v2(db, sql, -1, &st, nullptr);
+    std::string r;
+    if (sqlite3_step(st) == SQLITE_ROW && sqlite3_column_text(st, 0))
+      r = reinterpret_cast<const char*>(sqlite3_column_text(st, 0));
+    sqlite3_finalize(st);
+    return r;
+  }
+  int ejecuta(const char* sql) { return sqlite3_exec(db, sql, nullptr, nullptr, nullptr); }
+  sqlite3* db = nullptr;
+};
+
+TEST(Almacen, SeCreaSoloCuandoFaltaYNuncaTocaUnFicheroQueExiste) {
+  CarpetaTemporal c;
+  const auto ruta = c / "PRUEBA.MDB";
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  EXPECT_TRUE(Almacen::crea(ruta, tablas));
+
+  Almacen a;
+  a.abre(ruta);
+  Tabla t;
+  t.abre(a, "PERSONAS");
+  ASSERT_EQ(t.columnas().size(), 4u);
+  EXPECT_EQ(t.columnas()[0].nombre, "CODIGO");
+  EXPECT_EQ(t.columnas()[0].ancho, 5);
+  EXPECT_EQ(t.columnas()[2].tipo, TipoColumna::Doble);
+  EXPECT_EQ(t.columnas()[3].tipo, TipoColumna::Fecha);
+  anade(t, "00001", "UNO");
+  t.cierra();
+  a.cierra();
+  a.cierra();  // twice is harmless
+
+  const std::string antes = leeBytes(ruta);
+  EXPECT_FALSE(Almacen::crea(ruta, tablas));
+  EXPECT_EQ(leeBytes(ruta), antes);
+
+  // A folder that does not exist is a clear failure, not a crash.
+  try {
+    Almacen::crea(c / "no" / "X.MDB", tablas);
+    FAIL();
+  } catch (const ErrorAlmacen& e) {
+    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::NoExiste);
+  }
+}
+
+TEST(Almacen, UnFicheroQueNoEsUnaBaseDeDatosSeInformaPorSuNombreYSeDejaIgual) {
+  CarpetaTemporal c;
+  const auto ruta = c / "ROTO.MDB";
+  std::string basura(3000, '\0');
+  for (std::size_t i = 0; i < basura.size(); ++i) basura[i] = static_cast<char>((i * 37 + 11) % 256);
+  escribeBytes(ruta, basura);
+
+  Almacen a;
+  try {
+    a.abre(ruta);
+    FAIL() << "se abri\xF3 un fichero roto";
+  } catch (const ErrorAlmacen& e) {
+    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Danado);
+    EXPECT_NE(std::string(e.what()).find("ROTO.MDB"), std::string::npos);
+  }
+  EXPECT_FALSE(a.abierto());
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  EXPECT_FALSE(Almacen::crea(ruta, tablas));
+  EXPECT_EQ(leeBytes(ruta), basura);
+}
+
+TEST(Almacen, UnAlmacenBloqueadoPorOtroUsuarioSeInformaComoBloqueo) {
+  CarpetaTemporal c;
+  const auto ruta = c / "BLOQUEADO.MDB";
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(ruta, tablas);
+  OtraConexion otro(ruta);
+  ASSERT_EQ(otro.ejecuta("BEGIN EXCLUSIVE"), SQLITE_OK);
+  Almacen a;
+  try {
+    a.abre(ruta, OpcionesAlmacen{std::chrono::milliseconds(50)});
+    FAIL();
+  } catch (const ErrorAlmacen& e) {
+    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Bloqueo);
+  }
+  otro.ejecuta("ROLLBACK");
+  EXPECT_NO_THROW(a.abre(ruta));
+}
+
+TEST(Almacen, LasClavesSiguenElOrdenEspanolCiegoAMayusculasYAcentos) {
+  EXPECT_LT(comparaEspanol("CUESTA", "CHAVEZ"), 0);  // CH after C
+  EXPECT_LT(comparaEspanol("CHAVEZ", "DAVILA"), 0);
+  EXPECT_LT(comparaEspanol("LUNA", "LLORENTE"), 0);   // LL after L
+  EXPECT_LT(comparaEspanol("NUEZ", "\xC3\x91" "ANDU"), 0);  // Ñ after N
+  EXPECT_LT(comparaEspanol("\xC3\x91" "ANDU", "OCA"), 0);
+  EXPECT_EQ(comparaEspanol("P\xC3\xA9rez", "PEREZ"), 0);
+  EXPECT_EQ(comparaEspanol("abc  ", "ABC"), 0);       // trailing blanks do not count
+  EXPECT_LT(comparaEspanol("A B", "A1"), 0);          // blanks before digits
+  EXPECT_LT(comparaEspanol("9", "A"), 0);             // digits before letters
+  EXPECT_LT(comparaEspanol("ABC", "ABCD"), 0);
+
+  CarpetaTemporal c;
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(c / "P.MDB", tablas);
+  Almacen a;
+  a.abre(c / "P.MDB");
+  Tabla t;
+  t.abre(a, "PERSONAS");
+  const char* nombres[] = {"Llorente", "Luna", "Chávez", "Cuesta", "Ñandú", "Nuez", "Ocaña", "Dávila"};
+  int i = 0;
+  for (const char* n : nombres) anade(t, "0000" + std::to_string(i++), utf8ACp1252(n));
+
+  ASSERT_TRUE(t.indice("PORNOMBRE"));
+  std::vector<std::string> orden;
+  for (t.primero(); !t.fin(); t.siguiente()) orden.push_back(cp1252AUtf8(t.texto("NOMBRE")));
+  EXPECT_EQ(orden, (std::vector<std::string>{"Cuesta", "Chávez", "Dávila", "Luna", "Llorente", "Nuez", "Ñandú",
+                                             "Ocaña"}));
+  // A seek with "=" matches whatever the case and accents.
+  EXPECT_TRUE(t.busca("=", {"CHAVEZ"}));
+  EXPECT_EQ(cp1252AUtf8(t.texto("NOMBRE")), "Chávez");
+  EXPECT_FALSE(t.indice("NOHAY"));
+  EXPECT_EQ(t.indiceActual(), "PORNOMBRE");
+}
+
+TEST(Almacen, BuscaYRecorreEnElOrdenDelIndiceAunqueSeEscribaDuranteElRecorrido) {
+  CarpetaTemporal c;
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(c / "P.MDB", tablas);
+  Almacen a;
+  a.abre(c / "P.MDB");
+  Tabla t;
+  t.abre(a, "PERSONAS");
+  {
+    Transaccion tr(a);
+    for (int i = 600; i >= 1; --i) anade(t, llenaIzq(std::to_string(i), 5, '0'), "N", 1);
+    tr.confirma();
+  }
+  ASSERT_TRUE(t.indice("PORCODIGO"));
+  EXPECT_EQ(t.cuenta(), 600);
+
+  // Every row visited once, in key order, while each is rewritten on the way (the walk
+  // crosses several batches).
+  int vistos = 0;
+  std::string anterior;
+  for (t.primero(); !t.fin(); t.siguiente()) {
+    EXPECT_LT(anterior, t.texto("CODIGO"));
+    anterior = t.texto("CODIGO");
+    t.edita();
+    t.pon("IMPORTE", t.numero("IMPORTE") + 1);
+    t.actualiza();
+    ++vistos;
+  }
+  EXPECT_EQ(vistos, 600);
+  Consulta q = a.consulta("SELECT count(*) AS N FROM PERSONAS WHERE IMPORTE = 2");
+  ASSERT_TRUE(q.siguiente());
+  EXPECT_EQ(q.numero("N"), 600);
+
+  EXPECT_TRUE(t.busca(">=", {"00299A"}));
+  EXPECT_EQ(t.texto("CODIGO"), "00300");
+  EXPECT_TRUE(t.busca("<", {"00300"}));
+  EXPECT_EQ(t.texto("CODIGO"), "00299");
+  EXPECT_FALSE(t.busca("=", {"99999"}));
+  EXPECT_TRUE(t.sinCoincidencia());
+  EXPECT_FALSE(t.hayFila());
+
+  // Adding leaves the current row where it was; deleting leaves none until the next move.
+  t.busca("=", {"00010"});
+  anade(t, "A0001", "NUEVO");
+  EXPECT_EQ(t.texto("CODIGO"), "00010");
+  t.borra();
+  EXPECT_FALSE(t.hayFila());
+  t.siguiente();
+  EXPECT_EQ(t.texto("CODIGO"), "00011");
+  t.ultimo();
+  EXPECT_EQ(t.texto("CODIGO"), "A0001");
+  t.anterior();
+  EXPECT_EQ(t.texto("CODIGO"), "00600");
+}
+
+TEST(Almacen, LosValoresQueNoCabenSeRechazanConUnMensajeClaro) {
+  CarpetaTemporal c;
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(c / "P.MDB", tablas);
+  Almacen a;
+  a.abre(c / "P.MDB");
+  Tabla t;
+  t.abre(a, "PERSONAS");
+  anade(t, "00001", "UNO");
+  t.nuevo();
+  EXPECT_THROW(t.pon("CODIGO", "123456"), ErrorAlmacen);  // Text 5
+  EXPECT_THROW(t.pon("IMPORTE", "doce"), ErrorAlmacen);
+  EXPECT_THROW(t.pon("ALTA", "31/02/2002"), ErrorAlmacen);
+  t.pon("CODIGO", "00001");
+  try {
+    t.actualiza();
+    FAIL();
+  } catch (const ErrorAlmacen& e) {
+    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Duplicado);
+  }
+  EXPECT_EQ(t.cuenta(), 1);
+}
+
+TEST(Almacen, FechasTextoYNumerosCruzanElAlmacenSinPerderNada) {
+  CarpetaTemporal c;
+  const auto ruta = c / "P.MDB";
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(ruta, tablas);
+  Almacen a;
+  a.abre(ruta);
+  Tabla t;
+  t.abre(a, "PERSONAS");
+  t.indice("PORCODIGO");
+  // Accents, Ñ and the bytes that Windows-1252 leaves undefined (as the accent mapping of
+  // the files produces them) come back byte for byte.
+  const std::string raro = "\xD1\xE1\x81\x8D\x8F\x90\x9D\xA5";
+  t.nuevo();
+  t.pon("CODIGO", "28'1");  // a quote is data, never SQL
+  t.pon("NOMBRE", raro);
+  t.pon("ALTA", "01/03/2002");
+  t.actualiza();
+  t.nuevo();
+  t.pon("CODIGO", "00002");
+  t.pon("ALTA", "__/__/____");
+  t.actualiza();
+
+  ASSERT_TRUE(t.busca("=", {"28'1"}));
+  EXPECT_EQ(t.texto("NOMBRE"), raro);
+  EXPECT_EQ(t.texto("ALTA"), "01/03/2002");
+  EXPECT_TRUE(t.campo("IMPORTE").esNulo());
+  ASSERT_TRUE(t.busca("=", {"00002"}));
+  EXPECT_TRUE(t.campo("ALTA").esNulo());
+
+  OtraConexion otro(ruta);
+  EXPECT_EQ(otro.valor("SELECT ALTA FROM PERSONAS WHERE CODIGO = '28''1'"), "2002-03-01");
+  EXPECT_EQ(otro.valor("SELECT NOMBRE FROM PERSONAS WHERE CODIGO = '28''1'"), cp1252AUtf8(raro));
+
+  // Whatever another writer left in a column reads as text or as a number.
+  otro.ejecuta("INSERT INTO PERSONAS (CODIGO, NOMBRE, IMPORTE) VALUES ('00003', 12, '12.5')");
+  ASSERT_TRUE(t.busca("=", {"00003"}));
+  EXPECT_EQ(t.texto("NOMBRE"), "12");
+  EXPECT_EQ(t.numero("NOMBRE"), 12);
+  EXPECT_EQ(t.numero("IMPORTE"), 12.5);
+  EXPECT_EQ(t.texto("importe"), "12.5");  // column names as the system writes them, any case
+}
+
+TEST(Almacen, UnAlmacenEscritoPorOtraHerramientaSinLaColacionTambienSirve) {
+  CarpetaTemporal c;
+  const auto ruta = c / "AJENO.MDB";
+  {
+    OtraConexion otro(ruta);
+    otro.ejecuta("CREATE TABLE ESA (A1 TEXT(11), A2 TEXT(50)); CREATE UNIQUE INDEX EMNU ON ESA (A1);"
+                 "INSERT INTO ESA VALUES ('28000000001', 'Uno'), ('08000000002', 'Dos');");
+  }
+  Almacen a;
+  a.abre(ruta);
+  Tabla t;
+  t.abre(a, "esa");
+  EXPECT_EQ(t.nombre(), "ESA");
+  ASSERT_TRUE(t.indice("EMNU"));
+  ASSERT_TRUE(t.busca("=", {"28000000001"}));
+  EXPECT_EQ(t.texto("A2"), "Uno");
+  t.primero();
+  EXPECT_EQ(t.texto("A1"), "08000000002");
+}
+
+TEST(Almacen, UnaTablaSinAbrirSeLeeVaciaYNoAdmiteEscrituras) {
+  Tabla t;
+  EXPECT_FALSE(t.busca("=", {"X"}));
+  t.primero();
+  EXPECT_TRUE(t.fin());
+  EXPECT_TRUE(t.campo("A1").esNulo());
+  EXPECT_EQ(t.cuenta(), 0);
+  EXPECT_THROW(t.nuevo(), ErrorAlmacen);
+
+  // A cursor of a store that was closed reads as closed too.
+  CarpetaTemporal c;
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(c / "P.MDB", tablas);
+  Almacen a;
+  a.abre(c / "P.MDB");
+  Tabla u;
+  u.abre(a, "PERSONAS");
+  a.cierra();
+  EXPECT_FALSE(u.busca("=", {"1"}));
+  EXPECT_THROW(u.nuevo(), ErrorAlmacen);
+}
+
+TEST(Almacen, LasTablasCreadasLlevanSusColumnasEIndicesEnSuOrden) {
+  EXPECT_EQ(esquemas::NOMIN().columnas.size(), 205u);
+  EXPECT_EQ(esquemas::NOMIN().columnas[0].nombre, "BSSE");
+  EXPECT_EQ(esquemas::NOMIN().columnas.back().nombre, "B126");
+  auto columna = [](const DefTabla& t, const std::string& n) {
+    for (const auto& c : t.columnas)
+      if (c.nombre == n) return c;
+    return DefColumna{};
+  };
+  EXPECT_EQ(columna(esquemas::NOMIN(), "LW12").ancho, 50);
+  EXPECT_EQ(columna(esquemas::NOMIN(), "LW17").ancho, 30);
+  EXPECT_EQ(columna(esquemas::NOMIN(), "LW16").ancho, 35);
+  EXPECT_EQ(columna(esquemas::NOMIN(), "BB4").nombre, "");
+  EXPECT_EQ(columna(esquemas::INCIDEN(), "I23").tipo, TipoColumna::Texto);
+  EXPECT_EQ(columna(esquemas::INCIDEN(), "I24").tipo, TipoColumna::Doble);
+  EXPECT_EQ(esquemas::INCIDEN().columnas.back().nombre, "ITRASOMES");
+  EXPECT_EQ(esquemas::VALDORTA().columnas.size(), 23u);
+
+  const auto sql = sqlDeCreacion(esquemas::NOMIN());
+  ASSERT_EQ(sql.size(), 5u);
+  EXPECT_EQ(sql[4],
+            "CREATE UNIQUE INDEX \"MEEP\" ON \"NOMIN\" (\"BSSE\" COLLATE ESPANOL, \"BEPIG\" COLLATE ESPANOL, "
+            "\"BCEN\" COLLATE ESPANOL, \"BMATRI\" COLLATE ESPANOL)");
+}
+
+}  // namespace
+}  // namespace valdor

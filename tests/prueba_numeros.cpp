@@ -1,0 +1,185 @@
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <cstdlib>
+#include <locale>
+#include <optional>
+#include <string>
+
+#include "stores/numeros.h"
+
+namespace valdor {
+namespace {
+
+constexpr Separadores kComa{',', '.'};
+
+TEST(Formatea, RedondeaLaCifraEscritaConEmpateHaciaFuera) {
+  // 2.675 and 1.005 are held a little under the half; the written digits decide.
+  EXPECT_EQ(formatea(2.675, "##,##.00"), "2.68");
+  EXPECT_EQ(formatea(1.005, "##,##.00"), "1.01");
+  EXPECT_EQ(formatea(-2.675, "##,##.00"), "-2.68");
+  // Exact binary ties go away from zero, never to the even digit.
+  EXPECT_EQ(formatea(0.125, "##.00"), ".13");
+  EXPECT_EQ(formatea(2.5, "#####"), "3");
+  EXPECT_EQ(formatea(-2.5, "#####"), "-3");
+  // A carry that reaches a new thousands group.
+  EXPECT_EQ(formatea(999.995, "##,##.00"), "1,000.00");
+  // A negative value that rounds to zero has no sign.
+  EXPECT_EQ(formatea(-0.004, "##,##.00"), ".00");
+}
+
+TEST(Formatea, MarcadoresGruposYSeparadores) {
+  EXPECT_EQ(formatea(0, "##,##.00"), ".00");
+  EXPECT_EQ(formatea(0.5, "##,##0.00"), "0.50");
+  EXPECT_EQ(formatea(1234.5, "##,##.00"), "1,234.50");
+  EXPECT_EQ(formatea(1234567.891, "##,##.00"), "1,234,567.89");
+  EXPECT_EQ(formatea(-0.5, "##.00"), "-.50");
+  EXPECT_EQ(formatea(12345, "#####"), "12345");
+  EXPECT_EQ(formatea(123456, "###"), "123456");
+  EXPECT_EQ(formatea(0, "#####"), "");
+  EXPECT_EQ(formatea(28.8, "   ##.####"), "   28.8");
+  EXPECT_EQ(formatea(5, "   ##.####"), "   5.");
+  EXPECT_EQ(formatea(166.386, "##,##0.00", kComa), "166,39");
+  EXPECT_EQ(formatea(1234.5, "##,##.00", kComa), "1.234,50");
+}
+
+TEST(Formatea, TextoLeidoConLosSeparadoresDeLaMaquina) {
+  // The decimal-comma probe: under a comma the point of "28.8" is a thousands mark.
+  EXPECT_EQ(formateaTexto("28.8", "   ##.####", kComa), "   288,");
+  EXPECT_EQ(formateaTexto("28.8", "   ##.####"), "   28.8");
+  EXPECT_GT(valorNumerico(formateaTexto("28.8", "   ##.####", kComa)), 30.0);
+  EXPECT_EQ(formateaTexto("n/a", "##.00"), "n/a");
+}
+
+TEST(Redondea2, DosDecimalesSinCeroNegativo) {
+  EXPECT_EQ(REDONDEA2(0.0), 0.0);
+  EXPECT_EQ(REDONDEA2(0.005), 0.01);
+  EXPECT_EQ(REDONDEA2(-0.005), -0.01);
+  EXPECT_EQ(REDONDEA2(2.675), 2.68);
+  EXPECT_EQ(REDONDEA2R(1.005), 1.01);
+  EXPECT_EQ(REDONDEA2(1234567.891), 1234567.89);
+  EXPECT_FALSE(std::signbit(REDONDEA2(-0.001)));
+  EXPECT_FALSE(std::signbit(REDONDEA2(-0.0)));
+  EXPECT_EQ(REDONDEA2(std::string_view(" 2.675")), 2.68);
+  EXPECT_EQ(REDONDEA2(std::string_view("")), 0.0);
+}
+
+TEST(Camponum, CentimosConElRellenoDelanteDelSigno) {
+  EXPECT_EQ(CAMPONUM("1234.56", 11, "0", true), "00000123456");
+  EXPECT_EQ(CAMPONUM("-12.34", 11, "0", true), "000000-1234");
+  EXPECT_EQ(CAMPONUM("0", 11, "0", true), "00000000000");
+  // 1.15 * 100.0 is 114.99999999999999: the 15-digit text makes it whole.
+  EXPECT_EQ(CAMPONUM("1.15", 5, "0", true), "00115");
+  EXPECT_EQ(CAMPONUM("  12.5", 6, "*0", true), "**1250");
+  EXPECT_EQ(CAMPONUM("1234567.89", 9, "0", true), "123456789");
+  EXPECT_EQ(CAMPONUM("1234567.89", 8, "0", true), std::nullopt);
+  EXPECT_EQ(CAMPONUM("", 11, "0", true), std::nullopt);
+  EXPECT_EQ(CAMPONUM("abc", 11, "0", true), std::nullopt);
+}
+
+TEST(Camponum, EnterosConEmpateAlPar) {
+  EXPECT_EQ(CAMPONUM("12", 5, "0", false), "00012");
+  EXPECT_EQ(CAMPONUM("2.5", 3, "0", false), "002");
+  EXPECT_EQ(CAMPONUM("3.5", 3, "0", false), "004");
+  EXPECT_EQ(CAMPONUM("-2.5", 3, "0", false), "0-2");
+  EXPECT_EQ(CAMPONUM("12345", 4, "0", false), std::nullopt);
+  EXPECT_EQ(CAMPONUM("3000000000", 11, "0", false), std::nullopt);
+}
+
+TEST(ValorNumerico, LeeComoVal) {
+  EXPECT_EQ(valorNumerico(" 1 2x"), 12.0);
+  EXPECT_EQ(valorNumerico("  -3.5e2"), -350.0);
+  EXPECT_EQ(valorNumerico("\t\r\n 7"), 7.0);
+  EXPECT_EQ(valorNumerico("1.2.3"), 1.2);
+  EXPECT_EQ(valorNumerico("12,5"), 12.0);
+  EXPECT_EQ(valorNumerico("2D3"), 2000.0);
+  EXPECT_EQ(valorNumerico("1e"), 1.0);
+  EXPECT_EQ(valorNumerico("&H1F"), 31.0);
+  EXPECT_EQ(valorNumerico("&HFFFF"), -1.0);
+  EXPECT_EQ(valorNumerico(""), 0.0);
+  EXPECT_EQ(valorNumerico("abc"), 0.0);
+}
+
+TEST(ConvierteNumero, TodoElTextoONada) {
+  EXPECT_EQ(convierteNumero("1,234.5"), 1234.5);
+  EXPECT_EQ(convierteNumero("1.234,5", kComa), 1234.5);
+  EXPECT_EQ(convierteNumero(" -3 "), -3.0);
+  EXPECT_EQ(convierteNumero("1e3"), 1000.0);
+  EXPECT_EQ(convierteNumero("12a"), std::nullopt);
+  EXPECT_EQ(convierteNumero("1.2.3"), std::nullopt);
+  EXPECT_EQ(convierteNumero("1e"), std::nullopt);
+  EXPECT_EQ(convierteNumero(""), std::nullopt);
+}
+
+TEST(TextoGeneral, QuinceCifrasSignificativas) {
+  EXPECT_EQ(textoGeneral(0.0), "0");
+  EXPECT_EQ(textoGeneral(-0.0), "0");
+  EXPECT_EQ(textoGeneral(-0.5), "-0.5");
+  EXPECT_EQ(textoGeneral(123456789012345.0), "123456789012345");
+  EXPECT_EQ(textoGeneral(123.456 * 100.0), "12345.6");
+  EXPECT_EQ(textoGeneral(0.0001), "0.0001");
+  EXPECT_EQ(textoGeneral(0.00001), "1E-05");
+  EXPECT_EQ(textoGeneral(-1.5e-7), "-1.5E-07");
+  EXPECT_EQ(textoGeneral(1e15), "1E+15");
+  EXPECT_EQ(textoGeneral(999999999999999.9), "1E+15");
+}
+
+TEST(EnterosLargos, EmpateAlParYLimitesDelLong) {
+  EXPECT_EQ(redondeoPar(2.5), 2.0);
+  EXPECT_EQ(redondeoPar(3.5), 4.0);
+  EXPECT_EQ(redondeoPar(-2.5), -2.0);
+  EXPECT_EQ(redondeoPar(2.4999), 2.0);
+  EXPECT_FALSE(std::signbit(redondeoPar(-0.5)));
+  EXPECT_EQ(aEnteroLargo(2147483647.4), 2147483647);
+  EXPECT_EQ(aEnteroLargo(2147483647.5), std::nullopt);
+  EXPECT_EQ(aEnteroLargo(-2147483648.5), -2147483647 - 1);
+  EXPECT_EQ(aEnteroLargo(-2147483648.6), std::nullopt);
+}
+
+TEST(QuitaAcentos, LetrasEspanolasAlCodigoDeLosFicheros) {
+  EXPECT_EQ(QUITAACENTOS("\xD1O\xD1O"), "\xA5O\xA5O");  // ÑOÑO -> 165 79 165 79
+  EXPECT_EQ(QUITAACENTOS("\xAA\xBA\xC1\xC9\xCD\xD3\xDA\xFA\xE0\xE1"),
+            "\xA6\xA7\x8F\x90\xA1\xA2\xA3\xA3\x85\xA0");
+  EXPECT_EQ(QUITAACENTOS("\xE8\xE9\xEC\xED\xF1\xF2\xF3\xF9\xFC"),
+            "\x8A\x82\x8D\xA1\xA4\xA4\xA2\x97\x81");
+  EXPECT_EQ(QUITAACENTOS("\xE7\xC7\xE4 A1"), "\xE7\xC7\xE4 A1");
+
+  std::string plano = "anterior";
+  QUITAACENTOS("", plano);
+  EXPECT_EQ(plano, "anterior");
+  QUITAACENTOS("\xF1", plano);
+  EXPECT_EQ(plano, "\xA4");
+}
+
+// Runs `prueba` with LC_ALL set to `valor`, and puts the environment back.
+template <typename F>
+void conLcAll(const char* valor, F prueba) {
+  const char* antes = std::getenv("LC_ALL");
+  const std::optional<std::string> guardado =
+      antes ? std::optional<std::string>(antes) : std::nullopt;
+  setenv("LC_ALL", valor, 1);
+  prueba();
+  if (guardado) {
+    setenv("LC_ALL", guardado->c_str(), 1);
+  } else {
+    unsetenv("LC_ALL");
+  }
+}
+
+TEST(Separadores, DelEntornoSinTocarElLocaleGlobal) {
+  const std::string globalAntes = std::locale().name();
+  conLcAll("C", [] {
+    const Separadores sep = separadoresDelSistema();
+    EXPECT_EQ(sep.decimal, '.');
+    EXPECT_EQ(sep.miles, ',');
+  });
+  conLcAll("xx_XX.inexistente", [] {
+    const Separadores sep = separadoresDelSistema();
+    EXPECT_EQ(sep.decimal, '.');
+    EXPECT_EQ(sep.miles, ',');
+  });
+  EXPECT_EQ(std::locale().name(), globalAntes);
+}
+
+}  // namespace
+}  // namespace valdor
