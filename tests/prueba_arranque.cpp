@@ -1,0 +1,242 @@
+// The start and the exit of the program, the month store's name and creation, and the
+// company list of a month.
+
+#include <gtest/gtest.h>
+#include <sqlite3.h>
+
+#include "fan/seleccion.h"
+#include "shell/programa.h"
+#include "stores/colacion.h"
+#include "stores/esquemas.h"
+#include "stores/texto.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+using pruebas::CarpetaTemporal;
+using pruebas::DialogosGrabador;
+namespace fs = std::filesystem;
+
+const Momento MOMENTO{2026, 11, 15, 7, 30, 0};
+
+struct Oficina {
+  Oficina() {
+    fs::create_directories(carpetas.programa);
+    fs::create_directories(carpetas.trabajo);
+  }
+  CarpetaTemporal c;
+  Carpetas carpetas{c / "programa", c / "trabajo"};
+  DialogosGrabador dialogos;
+};
+
+bool hayMensajeCon(const DialogosGrabador& d, std::string_view trozo) {
+  for (const auto& m : d.mensajes)
+    if (m.texto.find(trozo) != std::string::npos) return true;
+  return false;
+}
+
+TEST(Arranque, LosAlmacenesDeTrabajoConservanSusFilasYSoloElTemporalEmpiezaVacio) {
+  Oficina o;
+  {
+    Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+    p.arranca();
+    auto& a = p.almacenes;
+    a.VALDORTA.nuevo();
+    a.VALDORTA.pon("VALDEMP", "28000000001");
+    a.VALDORTA.pon("VALDTRA", "00001");
+    a.VALDORTA.actualiza();
+    a.TMPVALDOR.nuevo();
+    a.TMPVALDOR.pon("TMPEMP", "28000000001");
+    a.TMPVALDOR.pon("TMPTRA", "00001");
+    a.TMPVALDOR.pon("TMPTIPO", "TRA");
+    a.TMPVALDOR.actualiza();
+    EXPECT_TRUE(fs::exists(o.carpetas.trabajo / "TEMPORAL VALDOR.MDB"));
+    p.termina();
+    EXPECT_FALSE(fs::exists(o.carpetas.trabajo / "TEMPORAL VALDOR.MDB"));
+  }
+  // The master stores are missing in this office: each is named in its message.
+  EXPECT_TRUE(hayMensajeCon(o.dialogos, "CONVENIO.MDB"));
+  EXPECT_TRUE(hayMensajeCon(o.dialogos, "DESEMPLEO.MDB"));
+
+  Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+  p.arranca();
+  EXPECT_EQ(p.almacenes.VALDORTA.cuenta(), 1);
+  EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 0);
+  for (const char* f : {"ACUVALDOR.MDB", "TIPO DE DOCUMENTO.MDB", "CUENTAS BANCARIAS EMPRESAS.MDB"})
+    EXPECT_TRUE(fs::exists(o.carpetas.trabajo / f)) << f;
+}
+
+TEST(Arranque, UnTemporalQueQuedoDeUnaCaidaConservaSusFilas) {
+  Oficina o;
+  const auto ruta = o.carpetas.trabajo / "TEMPORAL VALDOR.MDB";
+  const std::array<DefTabla, 1> tablas{esquemas::TMPVALDOR()};
+  Almacen::crea(ruta, tablas);
+  {
+    Almacen a;
+    a.abre(ruta);
+    a.ejecuta("INSERT INTO TMPVALDOR (TMPEMP, TMPTRA, TMPTIPO, TMPLINEA) VALUES (?, ?, ?, ?)",
+              {"1", "00001", "TRA", "TRA..."});
+  }
+  Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+  p.arranca();
+  EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 1);
+}
+
+TEST(Arranque, UnAlmacenDanadoSeNombraYSeDejaByteAByteMientrasLosDemasSiguen) {
+  Oficina o;
+  const auto ruta = o.carpetas.trabajo / "ACUVALDOR.MDB";
+  const std::string basura(4096, '\x5A');
+  pruebas::escribeBytes(ruta, basura);
+  {
+    Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+    p.arranca();
+    EXPECT_FALSE(p.almacenes.VALDORTA.abierta());
+    EXPECT_FALSE(p.almacenes.VALDORTA.busca("=", {"1", "1"}));
+    EXPECT_TRUE(p.almacenes.TDOCUMENTO.abierta());
+  }
+  EXPECT_TRUE(hayMensajeCon(o.dialogos, "ACUVALDOR.MDB"));
+  EXPECT_EQ(pruebas::leeBytes(ruta), basura);
+}
+
+TEST(Arranque, UnAlmacenBloqueadoDaElMensajeDelBloqueo) {
+  Oficina o;
+  const auto ruta = o.carpetas.trabajo / "ACUVALDOR.MDB";
+  const std::array<DefTabla, 1> tablas{esquemas::VALDORTA()};
+  Almacen::crea(ruta, tablas);
+  sqlite3* otro = nullptr;
+  sqlite3_open(ruta.c_str(), &otro);
+  ASSERT_EQ(sqlite3_exec(otro, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
+  Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+  p.arranca();
+  sqlite3_close(otro);
+  bool visto = false;
+  for (const auto& m : o.dialogos.mensajes)
+    if (m.texto == MENSAJEBLOQUEO && m.icono == Icono::Informacion) visto = true;
+  EXPECT_TRUE(visto);
+}
+
+TEST(Arranque, ElSeparadorDecimalSaleDeLaConfiguracionRegional) {
+  Oficina o;
+  Programa coma(o.carpetas, o.dialogos, Separadores{',', '.'}, MOMENTO);
+  coma.arranca();
+  EXPECT_EQ(coma.g.SEPDECIMAL, ",");
+  EXPECT_EQ(coma.g.SEPMILES, ".");
+  coma.termina();
+  Programa punto(o.carpetas, o.dialogos, Separadores{'.', ','}, MOMENTO);
+  punto.arranca();
+  EXPECT_EQ(punto.g.SEPDECIMAL, ".");
+  EXPECT_EQ(punto.g.SEPMILES, ",");
+}
+
+TEST(Arranque, LosAjustesSeLeenConLasClavesRecortadasYLaRutaTalCual) {
+  Oficina o;
+  {
+    // An empty settings file gives blanks everywhere and no message.
+    Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+    const auto antes = o.dialogos.mensajes.size();
+    p.arranca();
+    EXPECT_EQ(p.registro.CLAVEAUTORIZA, std::string(8, ' '));
+    EXPECT_EQ(p.g.RUTAWS, std::string(150, ' '));
+    EXPECT_EQ(o.dialogos.mensajes.size() - antes, 6u);  // only the six missing master stores
+  }
+  std::string registro = "  123   " "ABC     " + ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150) + "01/02/2026";
+  pruebas::escribeBytes(o.carpetas.trabajo / "VALDOR.MDB", registro);
+  guardaEmisor(o.carpetas.trabajo, "GESTOR\xCD" "A DEL VALLE");
+  Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
+  p.arranca();
+  EXPECT_EQ(p.registro.CLAVEAUTORIZA, "123     ");
+  EXPECT_EQ(p.registro.CLAVESILCON, "ABC     ");
+  EXPECT_EQ(p.g.RUTAWS, ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150));
+  EXPECT_EQ(p.g.EMISORNOMBRE, "GESTOR\xCD" "A DEL VALLE");
+}
+
+TEST(Periodo, ElAlmacenDelMesSeNombraSinSeparadorNiRellenoYSeCreaVacio) {
+  EXPECT_EQ(nombrePeriodo(textoAnoPeriodo(2002), textoMesPeriodo(3)), "PX20023.MDB");
+  EXPECT_EQ(nombrePeriodo(" 2002", "12"), "PX200212.MDB");
+  EXPECT_EQ(nombrePeriodo("2002", "1"), "PX20021.MDB");
+
+  Oficina o;
+  Almacenes a(o.carpetas, o.dialogos);
+  a.MESPERIODO = "3";
+  a.ANOPERIODO = "2002";
+  // A month without a store is passed over quietly.
+  EXPECT_FALSE(a.ABREPERIODO());
+  EXPECT_TRUE(o.dialogos.mensajes.empty());
+  EXPECT_TRUE(a.NOMIN.fin());
+
+  EXPECT_TRUE(a.CREAPERIODO());
+  EXPECT_TRUE(fs::exists(o.carpetas.programa / "PX20023.MDB"));
+  EXPECT_FALSE(a.CREAPERIODO());
+  ASSERT_TRUE(a.ABREPERIODO());
+  EXPECT_EQ(a.NOMIN.cuenta(), 0);
+  EXPECT_EQ(a.NOMIN.columnas().size(), 205u);
+  EXPECT_TRUE(a.NOMIN.indice("MEEP"));
+  EXPECT_TRUE(a.INCIDEN.indice("INDX"));
+  EXPECT_TRUE(a.INCIDEN.indice("INUM"));
+  a.CIERRAPERIODO();
+  a.CIERRAPERIODO();
+
+  a.MESPERIODO = "12";
+  a.CREAPERIODO();
+  EXPECT_TRUE(fs::exists(o.carpetas.programa / "PX200212.MDB"));
+
+  // The override replaces the whole name.
+  a.NOMBREPERIODOFORZADO = "OTRO.MDB";
+  a.CREAPERIODO();
+  EXPECT_TRUE(fs::exists(o.carpetas.programa / "OTRO.MDB"));
+}
+
+TEST(Periodo, UnFicheroQueFaltaConSuNombreExactoSeBuscaSinMirarMayusculas) {
+  CarpetaTemporal c;
+  pruebas::escribeBytes(c / "px20023.mdb", "x");
+  EXPECT_EQ(resuelveFichero(c.ruta(), "PX20023.MDB"), c / "px20023.mdb");
+  EXPECT_EQ(resuelveFichero(c.ruta(), "PX20024.MDB"), c / "PX20024.MDB");
+}
+
+void filaNomina(Tabla& t, const std::string& empresa, const std::string& trabajador, const std::string& nombre,
+                const std::string& contrato) {
+  t.nuevo();
+  t.pon("BSSE", empresa);
+  t.pon("BMATRI", trabajador);
+  t.pon("BNOMBRE", utf8ACp1252(nombre));
+  t.pon("BCONT", contrato);
+  t.pon("BEPIG", "113");
+  t.pon("BCEN", "001");
+  t.pon("BSEC", "001");
+  t.actualiza();
+}
+
+TEST(Seleccion, LasEmpresasDelMesVanEnOrdenEspanolYSinLasFilasMarcadasN) {
+  Oficina o;
+  Almacenes a(o.carpetas, o.dialogos);
+  a.MESPERIODO = "10";
+  a.ANOPERIODO = "2026";
+  a.CREAPERIODO();
+  a.ABREPERIODO();
+  filaNomina(a.NOMIN, "28000000004", "00001", "Ñandú, S.A.", "100");
+  filaNomina(a.NOMIN, "28000000003", "00001", "Nube, S.L.", "100");
+  filaNomina(a.NOMIN, "28000000003", "00002", "Nube, S.L.", "N");
+  filaNomina(a.NOMIN, "28000000003", "00003", "Nube, S.L.", "401");
+  filaNomina(a.NOMIN, "28000000002", "00001", "Chapa Hermanos", "100");
+  filaNomina(a.NOMIN, "28000000001", "00001", "Cuesta y Cía", "100");
+  filaNomina(a.NOMIN, "28000000005", "00001", "Excluida", "N");
+  a.CIERRAPERIODO();
+
+  const auto lista = empresasDelMes(a, 10, 2026);
+  ASSERT_EQ(lista.size(), 4u);
+  EXPECT_EQ(cp1252AUtf8(lista[0].BNOMBRE), "Cuesta y Cía");
+  EXPECT_EQ(lista[1].BNOMBRE, "Chapa Hermanos");
+  EXPECT_EQ(lista[2].BNOMBRE, "Nube, S.L.");
+  EXPECT_EQ(lista[2].BSSE, "28000000003");
+  EXPECT_EQ(lista[2].trabajadores, 2);
+  EXPECT_EQ(cp1252AUtf8(lista[3].BNOMBRE), "Ñandú, S.A.");
+  EXPECT_FALSE(a.periodo.abierto());
+
+  // An unknown month gets an empty store, and no company.
+  EXPECT_TRUE(empresasDelMes(a, 3, 2002).empty());
+  EXPECT_TRUE(fs::exists(o.carpetas.programa / "PX20023.MDB"));
+}
+
+}  // namespace
+}  // namespace valdor

@@ -1,0 +1,137 @@
+// The command line as a user runs it: the orders, their output, the settings file
+// they write and their exit statuses.
+
+#include <gtest/gtest.h>
+#include <sys/wait.h>
+
+#include <cstdlib>
+
+#include "stores/colacion.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+using pruebas::CarpetaTemporal;
+namespace fs = std::filesystem;
+
+struct Resultado {
+  int estado = -1;
+  std::string salida;
+  std::string errores;
+};
+
+std::string entreComillas(const std::string& s) {
+  std::string r = "'";
+  for (char c : s) r += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return r + "'";
+}
+
+// Runs valdor-cli with the program and work folders of `c` and the given arguments.
+Resultado valdor(const CarpetaTemporal& c, const std::vector<std::string>& argumentos, bool conCarpetas = true) {
+  std::string orden = entreComillas(VALDOR_CLI);
+  if (conCarpetas)
+    orden += " --programa " + entreComillas((c / "programa").string()) + " --trabajo " +
+             entreComillas((c / "trabajo").string());
+  for (const auto& a : argumentos) orden += " " + entreComillas(a);
+  orden += " >" + entreComillas((c / "salida.txt").string()) + " 2>" + entreComillas((c / "errores.txt").string());
+  const int r = std::system(orden.c_str());
+  return {WIFEXITED(r) ? WEXITSTATUS(r) : -1, pruebas::leeBytes(c / "salida.txt"),
+          pruebas::leeBytes(c / "errores.txt")};
+}
+
+void creaCarpetas(const CarpetaTemporal& c) {
+  fs::create_directories(c / "programa");
+  fs::create_directories(c / "trabajo");
+}
+
+TEST(Cli, AjustesEnUnaCarpetaNuevaMuestraBlancosYLuegoGuardaElRegistroDe176Bytes) {
+  CarpetaTemporal c;
+  creaCarpetas(c);
+  auto r = valdor(c, {"ajustes"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  EXPECT_NE(r.salida.find("Clave de autorización: \n"), std::string::npos) << r.salida;
+  EXPECT_NE(r.salida.find("Ruta de Winsuite: \n"), std::string::npos);
+  EXPECT_EQ(fs::file_size(c / "trabajo" / "VALDOR.MDB"), 0u);
+
+  r = valdor(c, {"ajustes", "--clave-autorizacion", "123", "--ruta-winsuite", "C:\\WINSUITE\\WINSUITE.EXE"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  const std::string bytes = pruebas::leeBytes(c / "trabajo" / "VALDOR.MDB");
+  ASSERT_EQ(bytes.size(), 176u);
+  EXPECT_EQ(bytes.substr(0, 8), "123     ");
+  EXPECT_EQ(bytes.substr(8, 8), std::string(8, ' '));
+  EXPECT_EQ(bytes.substr(16, 24), "C:\\WINSUITE\\WINSUITE.EXE");
+  EXPECT_EQ(bytes.substr(40, 126), std::string(126, ' '));
+  EXPECT_EQ(bytes.substr(166, 10), std::string(10, ' '));
+  EXPECT_NE(r.salida.find("Ruta de Winsuite: C:\\WINSUITE\\WINSUITE.EXE\n"), std::string::npos);
+
+  // The sender's name is kept beside the record, in Windows-1252, and shown again.
+  r = valdor(c, {"ajustes", "--emisor", "Gestoría Núñez"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  EXPECT_EQ(pruebas::leeBytes(c / "trabajo" / "EMISOR.TXT"), "Gestor\xED" "a N\xFA\xF1" "ez\n");
+  EXPECT_NE(r.salida.find("Emisor de Intercambio: Gestoría Núñez\n"), std::string::npos);
+  EXPECT_EQ(pruebas::leeBytes(c / "trabajo" / "VALDOR.MDB"), bytes);
+}
+
+TEST(Cli, LosValoresQueElDialogoNoDejariaEscribirSeRechazanSinTocarElFichero) {
+  CarpetaTemporal c;
+  creaCarpetas(c);
+  ASSERT_EQ(valdor(c, {"ajustes", "--clave-silcon", "ABC"}).estado, 0);
+  const std::string antes = pruebas::leeBytes(c / "trabajo" / "VALDOR.MDB");
+
+  auto r = valdor(c, {"ajustes", "--clave-autorizacion", "123456789"});
+  EXPECT_EQ(r.estado, 2);
+  EXPECT_NE(r.errores.find("8 caracteres"), std::string::npos) << r.errores;
+  EXPECT_EQ(valdor(c, {"ajustes", "--fecha-autorizacion", "1-2-2026"}).estado, 2);
+  EXPECT_EQ(valdor(c, {"ajustes", "--clave-silcon", "日本"}).estado, 2);
+  EXPECT_EQ(pruebas::leeBytes(c / "trabajo" / "VALDOR.MDB"), antes);
+}
+
+TEST(Cli, UnaLlamadaMalFormadaAcabaConEstado2YUnaCarpetaQueFaltaCon1) {
+  CarpetaTemporal c;
+  creaCarpetas(c);
+  EXPECT_EQ(valdor(c, {"--ahora", "2026-13-01 10:00", "ajustes"}, false).estado, 2);
+  EXPECT_EQ(valdor(c, {"inventada"}).estado, 2);
+  EXPECT_EQ(valdor(c, {"empresas", "--mes", "13"}).estado, 2);
+  EXPECT_EQ(valdor(c, {"ajustes", "--sobra"}).estado, 2);
+  const auto r = valdor(c, {"--trabajo", (c / "no-existe").string(), "ajustes"}, false);
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("no-existe"), std::string::npos);
+  EXPECT_EQ(valdor(c, {"--ayuda"}, false).estado, 0);
+}
+
+TEST(Cli, LaMuestraSeEscribeUnaVezYSusEmpresasSeListanEnOrdenDeNombre) {
+  CarpetaTemporal c;
+  auto r = valdor(c, {"--ahora", "2026-11-15 09:00", "muestra"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  EXPECT_TRUE(fs::exists(c / "programa" / "PX202610.MDB"));
+  EXPECT_TRUE(fs::exists(c / "trabajo" / "VALDOR.MDB"));
+
+  // A second sample into the same folders would overwrite an office: refused.
+  const std::string empresas = pruebas::leeBytes(c / "programa" / "EMPRESAS.MDB");
+  r = valdor(c, {"--ahora", "2026-11-15 09:00", "muestra"});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_EQ(pruebas::leeBytes(c / "programa" / "EMPRESAS.MDB"), empresas);
+
+  r = valdor(c, {"--ahora", "2026-11-15 09:00", "empresas"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  EXPECT_NE(r.salida.find("10/2026 (PX202610.MDB)"), std::string::npos) << r.salida;
+  EXPECT_EQ(r.errores, "");
+  // Every listed company is a line of code, name and workers, in name order.
+  std::vector<std::string> nombres;
+  std::size_t p = r.salida.find('\n') + 1;
+  while (p < r.salida.size()) {
+    const std::size_t fin = r.salida.find('\n', p);
+    const std::string linea = r.salida.substr(p, fin - p);
+    if (linea.size() > 20 && linea[11] == ' ' && linea[12] == ' ') nombres.push_back(linea.substr(13, linea.size() - 20));
+    p = fin + 1;
+  }
+  ASSERT_GE(nombres.size(), 4u) << r.salida;
+  EXPECT_TRUE(std::is_sorted(nombres.begin(), nombres.end(),
+                             [](const std::string& a, const std::string& b) { return comparaEspanol(a, b) < 0; }))
+      << r.salida;
+  EXPECT_FALSE(fs::exists(c / "trabajo" / "TEMPORAL VALDOR.MDB"));
+}
+
+}  // namespace
+}  // namespace valdor

@@ -1,0 +1,6 @@
+#!/usr/bin/env bash
+# Configures and builds VALDOR+ in build/ (the core, the command line and the tests).
+set -euo pipefail
+raiz=$(cd "$(dirname "$0")/.." && pwd)
+cmake -S "$raiz" -B "$raiz/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null
+cmake --build "$raiz/build" -j"$(nproc)"

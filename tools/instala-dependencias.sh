@@ -1,0 +1,18 @@
+#!/usr/bin/env bash
+# Installs the Debian packages that VALDOR+ needs to build and to run its tests,
+# only those that are missing.
+set -euo pipefail
+
+paquetes=(cmake make g++ libsqlite3-dev sqlite3 libgtest-dev)
+faltan=()
+for p in "${paquetes[@]}"; do
+  dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || faltan+=("$p")
+done
+
+if ((${#faltan[@]})); then
+  echo "Instalando: ${faltan[*]}"
+  sudo_=""
+  [ "$(id -u)" -eq 0 ] || sudo_="sudo"
+  $sudo_ apt-get update -qq
+  DEBIAN_FRONTEND=noninteractive $sudo_ apt-get install -y -qq --no-install-recommends "${faltan[@]}"
+fi
