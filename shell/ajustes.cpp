@@ -16,6 +16,7 @@
 #include <system_error>
 #include <thread>
 
+#include "stores/ficheros.h"
 #include "stores/texto.h"
 
 namespace valdor {
@@ -43,45 +44,6 @@ static_assert(166 + ANCHOFECHAAUTORIZA == LONGITUDREGISTRO);
 // How long a get or put waits for a lock that another copy of the program holds.
 constexpr auto ESPERACERROJO = std::chrono::seconds(2);
 constexpr auto PAUSACERROJO = std::chrono::milliseconds(20);
-
-// ---- Names and messages ----------------------------------------------------------------
-
-bool mismoNombreSinMayusculas(std::string_view a, std::string_view b) {
-  return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](char x, char y) {
-    auto baja = [](char c) { return (c >= 'A' && c <= 'Z') ? char(c - 'A' + 'a') : c; };
-    return baja(x) == baja(y);
-  });
-}
-
-// The file `nombre` in `carpeta`: under its exact name when it is there, else a file of
-// the same name in another case (the files come from a system that ignores case; of
-// several, the first in name order, so the choice does not depend on the directory's
-// order), else the exact name, for creating it.
-fs::path buscaFichero(const fs::path& carpeta, std::string_view nombre) {
-  const fs::path exacto = carpeta / nombre;
-  std::error_code ec;
-  if (fs::exists(exacto, ec)) return exacto;
-  std::optional<fs::path> hallado;
-  fs::directory_iterator it(carpeta.empty() ? fs::path(".") : carpeta, ec);
-  for (; !ec && it != fs::directory_iterator(); it.increment(ec)) {
-    const std::string otro = it->path().filename().string();
-    if (mismoNombreSinMayusculas(otro, nombre) &&
-        (!hallado || otro < hallado->filename().string())) {
-      hallado = carpeta / otro;
-    }
-  }
-  return hallado.value_or(exacto);
-}
-
-// Messages are Windows-1252 text, like every text the screens show; the path and the
-// system's reason come in as UTF-8.
-std::string entreComillas(const fs::path& ruta) {
-  return "\"" + utf8ACp1252(ruta.string()) + "\"";
-}
-
-std::string razon(int error) { return utf8ACp1252(std::generic_category().message(error)); }
-
-bool esDiscoLleno(int error) { return error == ENOSPC || error == EDQUOT; }
 
 // ---- The lock of record 1 --------------------------------------------------------------
 
@@ -137,25 +99,6 @@ class CerrojoRegistro {
   bool ocupado_ = false;
 };
 
-// ---- Whole writes ------------------------------------------------------------------------
-
-// Writes all of `datos` at `desde`, over partial writes. Returns 0 or the error; a write
-// that moves nothing counts as a full disk.
-int escribeTodo(int fd, std::string_view datos, off_t desde) {
-  std::size_t hecho = 0;
-  while (hecho < datos.size()) {
-    const ssize_t n = ::pwrite(fd, datos.data() + hecho, datos.size() - hecho,
-                               desde + static_cast<off_t>(hecho));
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return errno;
-    }
-    if (n == 0) return ENOSPC;
-    hecho += static_cast<std::size_t>(n);
-  }
-  return 0;
-}
-
 }  // namespace
 
 // ---- The record as bytes -----------------------------------------------------------------
@@ -181,7 +124,7 @@ void desdeBytes(std::string_view bytes, REGINTERCAMBIO& reg) {
 // ---- The open settings file ------------------------------------------------------------
 
 FicheroAjustes::FicheroAjustes(const std::filesystem::path& carpeta)
-    : ruta_(buscaFichero(carpeta, FICHEROAJUSTES)) {
+    : ruta_(resuelveFichero(carpeta, FICHEROAJUSTES)) {
   fd_ = ::open(ruta_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
   if (fd_ < 0) errorApertura_ = errno;
 }
@@ -222,7 +165,7 @@ bool FicheroAjustes::lee(REGINTERCAMBIO& reg) {
 void FicheroAjustes::escribe(const REGINTERCAMBIO& reg) {
   if (fd_ < 0) {
     throw ErrorAjustes("No se puede abrir el fichero de ajustes " + entreComillas(ruta_) +
-                       ": " + razon(errorApertura_));
+                       ": " + razonDelSistema(errorApertura_));
   }
   CerrojoRegistro cerrojo(fd_);
   if (cerrojo.ocupado()) {
@@ -236,7 +179,7 @@ void FicheroAjustes::escribe(const REGINTERCAMBIO& reg) {
                        entreComillas(ruta_) + ".");
   }
   throw ErrorAjustes("No se puede escribir el fichero de ajustes " + entreComillas(ruta_) +
-                     ": " + razon(error));
+                     ": " + razonDelSistema(error));
 }
 
 // ---- Fills for an empty file -----------------------------------------------------------
@@ -278,7 +221,7 @@ std::string claveParaPieAFI(std::string_view clave) {
 // ---- The sender's name -----------------------------------------------------------------
 
 std::string leeEmisor(const std::filesystem::path& carpeta) {
-  std::ifstream entrada(buscaFichero(carpeta, FICHEROEMISOR), std::ios::binary);
+  std::ifstream entrada(resuelveFichero(carpeta, FICHEROEMISOR), std::ios::binary);
   std::string linea;
   if (!entrada || !std::getline(entrada, linea)) return "";
   if (!linea.empty() && linea.back() == '\r') linea.pop_back();
@@ -289,7 +232,7 @@ std::string leeEmisor(const std::filesystem::path& carpeta) {
 // one step: a failure leaves the former name whole. Only the first line of the name is
 // kept, since only the first line is read back.
 void guardaEmisor(const std::filesystem::path& carpeta, std::string_view nombre) {
-  const fs::path destino = buscaFichero(carpeta, FICHEROEMISOR);
+  const fs::path destino = resuelveFichero(carpeta, FICHEROEMISOR);
   std::string contenido(izquierda(nombre.substr(0, nombre.find_first_of("\r\n")), ANCHOEMISOR));
   contenido += '\n';
 
@@ -299,28 +242,10 @@ void guardaEmisor(const std::filesystem::path& carpeta, std::string_view nombre)
                           entreComillas(destino) + ".");
     }
     return ErrorAjustes("No se puede guardar el nombre del emisor en " + entreComillas(destino) +
-                        ": " + razon(error));
+                        ": " + razonDelSistema(error));
   };
 
-  fs::path temporal;
-  int fd = -1;
-  for (int intento = 0; fd < 0 && intento < 100; ++intento) {
-    temporal = destino.parent_path() / (destino.filename().string() + "." +
-                                        std::to_string(::getpid()) + "." +
-                                        std::to_string(intento) + ".tmp");
-    fd = ::open(temporal.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
-    if (fd < 0 && errno != EEXIST) throw falla(errno);
-  }
-  if (fd < 0) throw falla(EEXIST);
-
-  int error = escribeTodo(fd, contenido, 0);
-  if (error == 0 && ::fsync(fd) != 0) error = errno;
-  if (::close(fd) != 0 && error == 0) error = errno;
-  if (error == 0 && ::rename(temporal.c_str(), destino.c_str()) != 0) error = errno;
-  if (error != 0) {
-    ::unlink(temporal.c_str());
-    throw falla(error);
-  }
+  if (const int error = reemplazaFichero(destino, contenido); error != 0) throw falla(error);
 }
 
 // ---- The configuration dialog's grid -----------------------------------------------------

@@ -9,6 +9,7 @@
 #include <cstdio>
 #include <system_error>
 
+#include "stores/ficheros.h"
 #include "stores/texto.h"
 
 namespace valdor {
@@ -16,8 +17,6 @@ namespace valdor {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string entreComillas(const fs::path& ruta) { return "\"" + utf8ACp1252(ruta.string()) + "\""; }
 
 // Digits with at most one point and an optional minus in front: the text that the
 // readers take back as a number. A blank field is allowed too.
@@ -38,29 +37,12 @@ bool esTextoDecimal(std::string_view t) {
   return hayCifra;
 }
 
-std::string motivo(int error) { return utf8ACp1252(std::generic_category().message(error)); }
-
 [[noreturn]] void fallaEscritura(const fs::path& ruta, int error) {
-  if (error == ENOSPC || error == EDQUOT)
+  if (esDiscoLleno(error))
     throw ErrorFicheroTipos("No queda espacio en el disco para escribir el fichero de tipos " +
                             entreComillas(ruta) + ".");
   throw ErrorFicheroTipos("No se puede escribir el fichero de tipos " + entreComillas(ruta) + ": " +
-                          motivo(error) + ".");
-}
-
-// Writes all of `datos`; 0 or the error. A write that moves nothing counts as a full disk.
-int escribeTodo(int fd, std::string_view datos) {
-  std::size_t hecho = 0;
-  while (hecho < datos.size()) {
-    const ssize_t n = ::write(fd, datos.data() + hecho, datos.size() - hecho);
-    if (n < 0) {
-      if (errno == EINTR) continue;
-      return errno;
-    }
-    if (n == 0) return ENOSPC;
-    hecho += static_cast<std::size_t>(n);
-  }
-  return 0;
+                          razonDelSistema(error) + ".");
 }
 
 }  // namespace
@@ -90,20 +72,7 @@ void escribeFicheroTipos(const fs::path& ruta, const std::vector<std::array<std:
   contenido.resize(total * LONGITUDREGISTROTIPOS, ' ');
 
   // Beside the final name first, then put in place whole.
-  const fs::path temporal = ruta.parent_path() / (ruta.filename().string() + "." + std::to_string(::getpid()) + ".tmp");
-  const int fd = ::open(temporal.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-  if (fd < 0) fallaEscritura(ruta, errno);
-  int error = escribeTodo(fd, contenido);
-  if (error == 0 && ::fsync(fd) != 0) error = errno;
-  if (::close(fd) != 0 && error == 0) error = errno;
-  std::error_code ec;
-  if (error == 0) {
-    fs::rename(temporal, ruta, ec);
-    if (!ec) return;
-    error = ec.value();
-  }
-  fs::remove(temporal, ec);
-  fallaEscritura(ruta, error);
+  if (const int error = reemplazaFichero(ruta, contenido); error != 0) fallaEscritura(ruta, error);
 }
 
 }  // namespace valdor

@@ -12,6 +12,7 @@
 
 #include "stores/colacion.h"
 #include "stores/fechas.h"
+#include "stores/ficheros.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
 
@@ -32,10 +33,6 @@ double Valor::numero() const {
 }
 
 namespace {
-
-std::string enCp1252(const std::filesystem::path& ruta) { return utf8ACp1252(ruta.string()); }
-
-std::string entreComillas(const std::filesystem::path& ruta) { return "\"" + enCp1252(ruta) + "\""; }
 
 std::string mayusculasAscii(std::string_view s) {
   std::string r(s);

@@ -12,13 +12,6 @@ namespace {
 
 constexpr std::string_view TITULOALMACENES = "Valdor Plus";
 
-std::string mayusculasAscii(std::string_view s) {
-  std::string r(s);
-  for (char& c : r)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  return r;
-}
-
 }  // namespace
 
 std::string nombrePeriodo(std::string_view ANOPERIODO, std::string_view MESPERIODO) {
@@ -29,15 +22,6 @@ std::string textoMesPeriodo(int mes) { return izquierda(std::to_string(mes), 2);
 
 std::string textoAnoPeriodo(int ano) { return izquierda(recortaIzq(std::to_string(ano)), 4); }
 
-std::filesystem::path resuelveFichero(const std::filesystem::path& carpeta, std::string_view nombre) {
-  const std::filesystem::path exacta = carpeta / std::string(nombre);
-  std::error_code ec;
-  if (std::filesystem::exists(exacta, ec)) return exacta;
-  const std::string buscado = mayusculasAscii(nombre);
-  for (std::filesystem::directory_iterator it(carpeta, ec), fin; !ec && it != fin; it.increment(ec))
-    if (mayusculasAscii(it->path().filename().string()) == buscado) return it->path();
-  return exacta;
-}
 
 Almacenes::Almacenes(Carpetas carpetas, Dialogos& dialogos)
     : carpetas_(std::move(carpetas)), dialogos_(dialogos) {}

@@ -10,6 +10,7 @@
 
 #include "shell/dialogos.h"
 #include "stores/almacen.h"
+#include "stores/ficheros.h"
 
 namespace valdor {
 
@@ -45,10 +46,6 @@ std::string nombrePeriodo(std::string_view ANOPERIODO, std::string_view MESPERIO
 // characters), the year's first four characters.
 std::string textoMesPeriodo(int mes);
 std::string textoAnoPeriodo(int ano);
-
-// A file named by the rules: the exact name in `carpeta` when it exists, else a file
-// of the same name ignoring case, else the exact name (for creating it).
-std::filesystem::path resuelveFichero(const std::filesystem::path& carpeta, std::string_view nombre);
 
 // The messages of the opening discipline.
 inline constexpr std::string_view MENSAJEBLOQUEO =

@@ -24,6 +24,7 @@
 #include "stores/almacen.h"
 #include "stores/esquemas.h"
 #include "stores/fechas.h"
+#include "stores/ficheros.h"
 #include "stores/literales.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
@@ -34,7 +35,6 @@ namespace {
 
 namespace fs = std::filesystem;
 
-std::string entreComillas(const fs::path& ruta) { return "\"" + utf8ACp1252(ruta.string()) + "\""; }
 
 std::string cifras(long long numero, int ancho) {
   char b[32];

@@ -11,6 +11,7 @@
 
 #include "statement/ficherotipos.h"
 #include "stores/almacen.h"
+#include "stores/ficheros.h"
 #include "stores/oficina_muestra.h"
 
 namespace valdor {
@@ -106,7 +107,7 @@ TEST_F(Muestra, UnSoloFicheroPrevioOUnasOpcionesMalasNoDejanNadaEscrito) {
 
   // A failure part-way (here the rate file cannot be made) takes back every store made.
   fs::remove_all(dir);
-  fs::create_directories(T("N-SS2024.MDB." + std::to_string(::getpid()) + ".tmp"));
+  for (int i = 0; i < INTENTOSTEMPORAL; ++i) fs::create_directories(nombreTemporal(T("N-SS2024.MDB"), i));
   try {
     escribeOficinaMuestra(c, {3, 2024});
     ADD_FAILURE();
@@ -114,7 +115,7 @@ TEST_F(Muestra, UnSoloFicheroPrevioOUnasOpcionesMalasNoDejanNadaEscrito) {
     EXPECT_NE(std::string(e.what()).find("N-SS2024.MDB"), std::string::npos) << e.what();
   }
   EXPECT_TRUE(fs::is_empty(c.programa));
-  EXPECT_EQ(std::distance(fs::directory_iterator(c.trabajo), fs::directory_iterator()), 1);
+  EXPECT_EQ(std::distance(fs::directory_iterator(c.trabajo), fs::directory_iterator()), INTENTOSTEMPORAL);
 
   fs::remove_all(dir);
   for (const OpcionesMuestra o : {OpcionesMuestra{13, 2024}, OpcionesMuestra{3, 1900}, OpcionesMuestra{3, 2024, 3, 0},

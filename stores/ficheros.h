@@ -1,0 +1,42 @@
+// Plain files of the system (the settings, the sender's name, the rate files and, later,
+// the exchange files): their names in messages, whole writes, and the replacement of a
+// file by a complete new one, so that a failure (a full disk) never leaves half a file.
+#pragma once
+
+#include <sys/types.h>
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+
+namespace valdor {
+
+// A path as the messages show it: Windows-1252 text between double quotes.
+std::string entreComillas(const std::filesystem::path& ruta);
+
+// The system's reason for an errno value, as Windows-1252 text.
+std::string razonDelSistema(int error);
+
+// True for the errors of a disk (or a quota) with no room left.
+bool esDiscoLleno(int error);
+
+// A file named by the rules: the exact name in `carpeta` when it exists, else a file
+// of the same name ignoring case (the first in name order when there are several),
+// else the exact name (for creating it).
+std::filesystem::path resuelveFichero(const std::filesystem::path& carpeta, std::string_view nombre);
+
+// Writes all of `datos` at offset `desde` of an open file, over partial writes.
+// Returns 0 or the errno of the failure; a write that moves nothing counts as a full disk.
+int escribeTodo(int fd, std::string_view datos, off_t desde);
+
+// Replaces `destino` by a file holding exactly `contenido`: written under a temporary
+// name beside it, flushed to disk, then renamed over it. Returns 0 or the errno of the
+// failure; on failure the temporary file is gone and `destino` is as it was.
+int reemplazaFichero(const std::filesystem::path& destino, std::string_view contenido);
+
+// The temporary names that `reemplazaFichero` tries in turn, from 0 up to
+// INTENTOSTEMPORAL - 1; a name already taken is passed over.
+inline constexpr int INTENTOSTEMPORAL = 100;
+std::filesystem::path nombreTemporal(const std::filesystem::path& destino, int intento);
+
+}  // namespace valdor
