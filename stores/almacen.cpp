@@ -34,13 +34,6 @@ double Valor::numero() const {
 
 namespace {
 
-std::string mayusculasAscii(std::string_view s) {
-  std::string r(s);
-  for (char& c : r)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  return r;
-}
-
 std::string comillaIdentificador(std::string_view nombre) {
   std::string r = "\"";
   for (char c : nombre) {

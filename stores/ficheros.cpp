@@ -17,15 +17,6 @@ std::string razonDelSistema(int error) { return utf8ACp1252(std::generic_categor
 
 bool esDiscoLleno(int error) { return error == ENOSPC || error == EDQUOT; }
 
-namespace {
-std::string mayusculasAscii(std::string_view s) {
-  std::string r(s);
-  for (char& c : r)
-    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-  return r;
-}
-}  // namespace
-
 std::filesystem::path resuelveFichero(const std::filesystem::path& carpeta, std::string_view nombre) {
   const std::filesystem::path exacta = carpeta / std::string(nombre);
   std::error_code ec;

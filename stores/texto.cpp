@@ -221,4 +221,11 @@ std::string ajusta(std::string_view texto, std::size_t ancho) {
   return llenaDer(texto.substr(0, ancho), ancho, ' ');
 }
 
+std::string mayusculasAscii(std::string_view s) {
+  std::string r(s);
+  for (char& c : r)
+    if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
+  return r;
+}
+
 }  // namespace valdor

@@ -35,6 +35,10 @@ char32_t puntoDeCodigo(unsigned char byte);
 // other byte stay.
 std::string mayusculas(std::string_view texto);
 
+// Upper case of the ASCII letters only: for names of columns and files, which may be
+// UTF-8 and must keep every other byte.
+std::string mayusculasAscii(std::string_view texto);
+
 // ---- Trimming and cutting (blanks only, as the run-time's Trim) ------------------
 
 std::string recorta(std::string_view texto);     // Trim
