@@ -4,8 +4,8 @@
 
 namespace valdor {
 
-Programa::Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, Momento ahora)
-    : almacenes(std::move(carpetas), dialogos), dialogos_(dialogos), sistema_(sistema), ahora_(ahora) {}
+Programa::Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, std::optional<Momento> fijo)
+    : almacenes(std::move(carpetas), dialogos), dialogos_(dialogos), sistema_(sistema), ahora_(fijo) {}
 
 Programa::~Programa() { termina(); }
 

@@ -4,6 +4,7 @@
 // the forms and the command line hold it and pass it by reference.
 #pragma once
 
+#include <optional>
 #include <string>
 
 #include "shell/ajustes.h"
@@ -39,9 +40,9 @@ struct Globales {
 class Programa {
  public:
   // `sistema` are the separators of the machine's regional setting (read once by the
-  // caller with separadoresDelSistema, or pinned by a test); `ahora` the moment of
-  // the run.
-  Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, Momento ahora);
+  // caller with separadoresDelSistema, or pinned by a test); `fijo` fixes the moment of
+  // the run, which otherwise is the machine's clock at each reading.
+  Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, std::optional<Momento> fijo = std::nullopt);
   ~Programa();
   Programa(const Programa&) = delete;
   Programa& operator=(const Programa&) = delete;
@@ -53,7 +54,7 @@ class Programa {
   Dialogos& dialogos() { return dialogos_; }
   const Carpetas& carpetas() const { return almacenes.carpetas(); }
   const Separadores& separadores() const { return sistema_; }
-  const Momento& ahora() const { return ahora_; }
+  Momento ahora() const { return ahora_ ? *ahora_ : momentoActual(); }
 
   // The start of the main window, before it is shown: the decimal separator, the work
   // stores and the master stores in their order (close, create, open), the settings
@@ -69,7 +70,7 @@ class Programa {
 
   Dialogos& dialogos_;
   Separadores sistema_;
-  Momento ahora_;
+  std::optional<Momento> ahora_;
   bool arrancado_ = false;
 };
 

@@ -1,0 +1,317 @@
+#include "shell/asistente.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <system_error>
+
+#include "shell/programa.h"
+#include "stores/ficheros.h"
+#include "stores/literales.h"
+#include "stores/numeros.h"
+#include "stores/texto.h"
+
+namespace valdor {
+
+namespace fs = std::filesystem;
+
+// ---- Texts ----------------------------------------------------------------------------
+
+std::string_view textoBienvenida() {
+  return "Bienvenido al asistente para la remisión electrónica de documentos a la Seguridad Social. Por "
+         "favor, indique en la barra superior si desea realizar un proceso de envío normal, en pruebas o de "
+         "sustitución de otro. En este último caso deberá indicar el año, mes y numeros de serie, envío y "
+         "documento que sutituye. Una vez ultimado este proceso marque en la barra de opciones si desea "
+         "remitir un mensaje de cotización (FAN) o uno de afiliación (AFI)"_cp;
+}
+std::string_view textoReferencia() {
+  return "Indique la referencia del control de intercambio. (Nombre del fichero que se generará para el "
+         "envío.) Pulse ACEPTAR una vez seleccionado. Recuerde que el nombre del fichero debe tener una "
+         "longitud de 8 caracteres."_cp;
+}
+std::string_view textoVerificarFan() {
+  return "Ahora puede verificar la sintaxis de su fichero fan. Si lo desea puede abrir el editor para "
+         "realizar variaciones."_cp;
+}
+std::string_view textoActivaWinsuite() {
+  return "El asistente activará ahora el programa WINSUITE para la validación del envío en la ruta "_cp;
+}
+std::string_view tituloNombreNoValido() { return "NOMBRE DE FICHERO NO VALIDO"; }
+std::string_view textoNombreNoValido() {
+  return "El nombre del fichero de intercambio no puede estar en blanco. Debe tener una longitud de ocho "
+         "caracteres.";
+}
+std::string_view tituloExcluidas() { return "Dortek.- Sistema Red"; }
+std::string_view textoExcluidas() {
+  return "Algunas empresas no cumplen los requisito necesarios para procesar el fichero y su posterior "
+         "envio a la seguridad social.";
+}
+std::string_view preguntaEditarFan() {
+  return "El asistente ha terminado de preparar su fichero .FAN ¿Desea editar el fichero para verificar su "
+         "sintaxis?"_cp;
+}
+std::string_view tituloValdor() { return "Valdor Plus"; }
+
+// ---- The page -------------------------------------------------------------------------
+
+void PaginaIntercambio::ponGuia(std::string_view texto) {
+  Label3 = std::string(texto);
+  if (alCambiarGuia) alCambiarGuia(Label3);
+}
+
+void PaginaIntercambio::marcaCotizacion() {
+  Option1Cotizacion = true;
+  Option1Afiliacion = false;
+}
+
+void PaginaIntercambio::marcaAfiliacion() {
+  Option1Cotizacion = false;
+  Option1Afiliacion = true;
+}
+
+void PaginaIntercambio::ponModo(Modo m) {
+  modo = m;
+  SSPanel4Visible = m == Modo::Sustitucion;
+  if (!SSPanel4Visible) Text3 = Text4 = Text5 = Text6 = Text7 = "";
+}
+
+double pruebaComaDecimal(const Separadores& sistema) {
+  // Under a comma locale the point of "28.8" reads as a thousands mark: 288.
+  const std::string formateado = formateaTexto(textoGeneral(28.8), "   ##.####", sistema);
+  return valorNumerico(formateado) > 30 ? 1 : 0;
+}
+
+void cargaAsistente(Programa& programa, PaginaIntercambio& pagina,
+                    const std::function<void()>& muestraConfiguracion) {
+  programa.g.COMADECIMAL = pruebaComaDecimal(programa.separadores());
+  pagina.Label19 = "para " + mayusculas(recorta(programa.g.EMISORNOMBRE));
+  pagina.ponGuia(textoBienvenida());
+  bool vacio = false;
+  {
+    FicheroAjustes fichero(programa.carpetas().trabajo);
+    vacio = fichero.vacio();
+  }
+  if (vacio && muestraConfiguracion) muestraConfiguracion();
+  FicheroAjustes fichero(programa.carpetas().trabajo);
+  fichero.lee(programa.registro);
+  programa.g.RUTAWS = programa.registro.RUTAWINSUITE;
+}
+
+namespace {
+
+std::string dosCifras(int n) { return llenaIzq(std::to_string(n), 2, '0'); }
+
+}  // namespace
+
+void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacion) {
+  pagina.ponGuia(textoReferencia());
+  pagina.Label10 = cotizacion ? "FAN" : "AFI";
+  pagina.clavesAFIVisibles = !cotizacion;
+  const Momento m = programa.ahora();
+  pagina.Label12 = std::to_string(m.ano) + dosCifras(m.mes) + dosCifras(m.dia);
+  pagina.Label13 = dosCifras(m.hora) + dosCifras(m.minuto);
+  // "F" and ddmmyyhh is nine characters; the box keeps eight, so the last digit of the
+  // hour is lost.
+  const std::string completo = "F" + dosCifras(m.dia) + dosCifras(m.mes) + dosCifras(m.ano % 100) + dosCifras(m.hora);
+  pagina.Text8 = izquierda(completo, ANCHONOMBREFICHERO);
+  if (recorta(pagina.Text8).empty()) {
+    programa.dialogos().mensaje(tituloNombreNoValido(), textoNombreNoValido(), Icono::Informacion);
+    programa.g.PASOASISTENTE = 2;
+  }
+  pagina.Text8 = reglaNombre(pagina.Text8);
+}
+
+std::string reglaNombre(std::string_view nombre) {
+  const std::string limpio = mayusculas(recorta(nombre));
+  if (limpio.empty()) return limpio;
+  return llenaDer(limpio, ANCHONOMBREFICHERO, '0');
+}
+
+std::string referenciaSustitucion(const PaginaIntercambio& pagina) {
+  if (valorNumerico(pagina.Text3) == 0) return std::string(14, '0');
+  auto numero = [](std::string_view caja, std::size_t ancho) {
+    return formatea(valorNumerico(caja), std::string(ancho, '0'));
+  };
+  return numero(pagina.Text3, 2) + numero(pagina.Text4, 2) + recorta(pagina.Text5) + numero(pagina.Text6, 5) +
+         numero(pagina.Text7, 4);
+}
+
+std::string caracterModo(Modo modo) {
+  switch (modo) {
+    case Modo::Pruebas: return "P";
+    case Modo::Sustitucion: return "S";
+    case Modo::Normal: break;
+  }
+  return " ";
+}
+
+std::string LINEAETI(const PaginaIntercambio& pagina, const REGINTERCAMBIO& registro) {
+  return "ETI" + std::string(pagina.Option1Cotizacion ? "TC220VIP28" : "AFI31WS342") +
+         izquierda(claveAutorizaParaETI(registro.CLAVEAUTORIZA), 8) +
+         izquierda(claveSilconParaETI(registro.CLAVESILCON), 8) + izquierda(recorta(pagina.Label12), 8) +
+         izquierda(recorta(pagina.Label13), 4) + izquierda(recorta(pagina.Text8), 8) +
+         izquierda(recorta(pagina.Label10), 3) + "N" + caracterModo(pagina.modo) + referenciaSustitucion(pagina) + "  ";
+}
+
+std::string LINEASIL(PaginaIntercambio& pagina) {
+  pagina.Text10 = ajusta(pagina.Text10, ANCHOCLAVEAFI);
+  pagina.Text11 = ajusta(pagina.Text11, ANCHOCLAVEAFI);
+  return "SIL" + pagina.Text10 + pagina.Text11 + std::string(51, ' ');
+}
+
+// ---- Paths --------------------------------------------------------------------------------
+
+std::string nombreFicheroIntercambio(const PaginaIntercambio& pagina) {
+  return recorta(pagina.Text8) + "." + recorta(pagina.Label10);
+}
+
+std::string raizIntercambio(std::string_view RUTAWS) {
+  const std::string ruta = mayusculas(recorta(RUTAWS));
+  return izquierda(ruta, posicion(ruta, "\\VIPTC2\\") + 11);
+}
+
+std::string rutaFicheroFAN(std::string_view RUTAWS, const PaginaIntercambio& pagina) {
+  const std::string raiz = raizIntercambio(RUTAWS);
+  if (pagina.Option1Cotizacion) return raiz + "\\VIPTC2\\FAN\\" + nombreFicheroIntercambio(pagina);
+  return raiz + "AFI\\" + nombreFicheroIntercambio(pagina);
+}
+
+std::string rutaFicheroAFI(std::string_view RUTAWS, const PaginaIntercambio& pagina) {
+  return raizIntercambio(RUTAWS) + "\\VIPTC2\\" + (pagina.Option1Cotizacion ? "FAN\\" : "AFI\\") +
+         nombreFicheroIntercambio(pagina);
+}
+
+EntornoWine entornoWineDelSistema() {
+  if (const char* prefijo = std::getenv("WINEPREFIX"); prefijo && *prefijo) return {fs::path(prefijo)};
+  const char* casa = std::getenv("HOME");
+  return {fs::path(casa && *casa ? casa : ".") / ".wine"};
+}
+
+fs::path rutaNativa(std::string_view rutaWindows, const EntornoWine& entorno) {
+  std::string ruta = cp1252AUtf8(recorta(rutaWindows));
+  for (char& c : ruta)
+    if (c == '\\') c = '/';
+  fs::path actual;
+  std::string_view resto = ruta;
+  const bool conUnidad = ruta.size() >= 2 && ruta[1] == ':' &&
+                         ((ruta[0] >= 'A' && ruta[0] <= 'Z') || (ruta[0] >= 'a' && ruta[0] <= 'z'));
+  if (conUnidad) {
+    const char unidad = static_cast<char>(ruta[0] | 0x20);
+    actual = entorno.prefijo / "dosdevices" / (std::string(1, unidad) + ":");
+    std::error_code ec;
+    if (unidad == 'c' && !fs::exists(actual, ec)) actual = entorno.prefijo / "drive_c";
+    resto.remove_prefix(2);
+  } else if (!resto.empty() && resto.front() == '/') {
+    actual = "/";
+  }
+  // Each part of the path, looked for ignoring case where its exact name is missing.
+  while (!resto.empty()) {
+    const std::size_t barra = resto.find('/');
+    const std::string_view parte = resto.substr(0, barra);
+    resto = barra == std::string_view::npos ? std::string_view{} : resto.substr(barra + 1);
+    if (parte.empty() || parte == ".") continue;
+    actual = actual.empty() ? fs::path(std::string(parte)) : resuelveFichero(actual, parte);
+  }
+  return actual;
+}
+
+std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,
+                                         const EntornoWine& entorno) {
+  const std::string limpio = recorta(programa);
+  std::vector<std::string> orden;
+  const bool esWindows = limpio.size() >= 2 && limpio[1] == ':';
+  if (mayusculas(derecha(limpio, 4)) == ".EXE") {
+    orden = {"wine", rutaNativa(limpio, entorno).string()};
+  } else {
+    orden = {esWindows ? rutaNativa(limpio, entorno).string() : cp1252AUtf8(limpio)};
+  }
+  for (const std::string& a : argumentos) orden.push_back(a);
+  return orden;
+}
+
+void LanzadorDelSistema::lanza(const std::vector<std::string>& orden) {
+  if (orden.empty()) return;
+  std::vector<char*> argv;
+  for (const std::string& a : orden) argv.push_back(const_cast<char*>(a.c_str()));
+  argv.push_back(nullptr);
+  // Two forks: the program runs on its own, nobody waits for it, and no child is left
+  // behind unreaped. Any failure is silent.
+  const pid_t hijo = ::fork();
+  if (hijo < 0) return;
+  if (hijo == 0) {
+    ::setsid();
+    if (::fork() == 0) {
+      const int nulo = ::open("/dev/null", O_RDWR);
+      if (nulo >= 0) {
+        ::dup2(nulo, 0);
+        ::dup2(nulo, 1);
+        ::dup2(nulo, 2);
+      }
+      ::execvp(argv[0], argv.data());
+    }
+    ::_exit(0);
+  }
+  int estado = 0;
+  ::waitpid(hijo, &estado, 0);
+}
+
+void lanzaWinsuite(Programa& programa, Lanzador& lanzador, const EntornoWine& entorno) {
+  FicheroAjustes fichero(programa.carpetas().trabajo);
+  fichero.lee(programa.registro);
+  programa.g.LANZADOR = programa.registro.RUTAWINSUITE;
+  if (!recorta(programa.g.LANZADOR).empty()) lanzador.lanza(ordenDeArranque(programa.g.LANZADOR, {}, entorno));
+}
+
+// ---- fan2 ---------------------------------------------------------------------------------
+
+void Command3(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio& formularios,
+              Lanzador& lanzador, const EntornoWine& entorno) {
+  pagina.SSPanel1 = pagina.Option1Cotizacion ? "   Cotización"_cp : "   Afiliación"_cp;
+  fan2(programa, pagina, formularios, lanzador, entorno);
+}
+
+void fan2(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio& formularios, Lanzador& lanzador,
+          const EntornoWine& entorno) {
+  Globales& g = programa.g;
+  Dialogos& dialogos = programa.dialogos();
+  {
+    FicheroAjustes fichero(programa.carpetas().trabajo);
+    fichero.lee(programa.registro);
+  }
+  g.LINEAETI = LINEAETI(pagina, programa.registro);
+
+  if (!pagina.Option1Cotizacion) {
+    dialogos.puntero(Puntero::Reloj);
+    g.LINEASIL = LINEASIL(pagina);
+    formularios.AFILIA();
+    dialogos.puntero(Puntero::Normal);
+    return;
+  }
+
+  dialogos.puntero(Puntero::Reloj);
+  formularios.COTIZACION();
+  if (g.CANCELADO == 1) {
+    g.CANCELADO = 0;
+    dialogos.puntero(Puntero::Normal);
+    return;
+  }
+  pagina.ponGuia(textoVerificarFan());
+  if (g.HAYEXCLUIDAS == 1) dialogos.mensaje(tituloExcluidas(), textoExcluidas(), Icono::Informacion);
+  dialogos.puntero(Puntero::Normal);
+  g.LANZADOR = mayusculas(recorta(g.RUTAWS));
+  if (dialogos.pregunta(tituloValdor(), preguntaEditarFan()) && !g.LANZADOR.empty()) formularios.EDITOR();
+  pagina.ponGuia(std::string(textoActivaWinsuite()) + g.RUTAWS);
+  if (!g.LANZADOR.empty()) lanzador.lanza(ordenDeArranque(g.LANZADOR, {}, entorno));
+}
+
+std::vector<std::string> listaCombo1(Programa& programa) {
+  std::vector<std::string> lista{std::string("Configuración General"_cp)};
+  Tabla& esa = programa.almacenes.ESA;
+  if (esa.indice("EMNO"))
+    for (esa.primero(); !esa.fin(); esa.siguiente()) lista.push_back(izquierda(esa.texto("A2"), 35));
+  return lista;
+}
+
+}  // namespace valdor

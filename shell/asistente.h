@@ -1,0 +1,189 @@
+// The exchange wizard PXVALDOR32: the page on which the user says what is to be sent
+// (a contribution message FAN or an affiliation message AFI; a normal send, a test or
+// the replacement of an earlier send; under which 8-character name), the label lines
+// it builds from that page, the path of the exchange file, and fan2, the hand-over to
+// the forms that write the file. The desktop form and the command line fill the page
+// and call these; every rule of the page lives here.
+#pragma once
+
+#include <filesystem>
+#include <functional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "shell/ajustes.h"
+#include "shell/momento.h"
+#include "stores/numeros.h"
+
+namespace valdor {
+
+class Programa;
+
+// ---- The system's texts of the wizard ------------------------------------------------
+
+std::string_view textoBienvenida();         // Label3 when the page opens
+std::string_view textoReferencia();         // Label3 after "Cotización" or "Afiliación"
+std::string_view textoVerificarFan();       // Label3 after the FAN file is written
+std::string_view textoActivaWinsuite();     // Label3 before the tool starts, the route follows
+std::string_view tituloNombreNoValido();    // "NOMBRE DE FICHERO NO VALIDO"
+std::string_view textoNombreNoValido();
+std::string_view tituloExcluidas();         // "Dortek.- Sistema Red"
+std::string_view textoExcluidas();
+std::string_view preguntaEditarFan();
+std::string_view tituloValdor();            // the program's own title for its boxes
+
+// ---- The page ---------------------------------------------------------------------
+
+enum class Modo { Normal, Pruebas, Sustitucion };  // Option2(0), Option2(1), Option2(2)
+
+struct PaginaIntercambio {
+  // Option1(0) "Cotización" and Option1(1) "Afiliación": never visible, set by the
+  // commands of the main window. Neither on takes the AFI path.
+  bool Option1Cotizacion = false;
+  bool Option1Afiliacion = false;
+  Modo modo = Modo::Normal;
+  // The replacement panel SSPanel4: Año, Mes, Serie, Envío, Doc of the replaced send.
+  bool SSPanel4Visible = false;
+  std::string Text3, Text4, Text5, Text6, Text7;
+  std::string Text8;    // "Nombre del fichero:", 8 characters
+  std::string Label10;  // extension "FAN" or "AFI"
+  std::string Label12;  // date of preparation yyyymmdd
+  std::string Label13;  // time of preparation hhmm
+  std::string Text10;   // "Clave:" (AFI only), 8 characters
+  std::string Text11;   // "Nueva clave:" (AFI only), 8 characters
+  bool clavesAFIVisibles = false;
+  std::string Label3;    // the guidance text
+  std::string Label19;   // "para " and the sender
+  std::string SSPanel1;  // the page's title
+  bool SSPanel2Visible = false;  // the type panel
+
+  // Told whenever Label3 changes, so that a screen shows the new text at once: the work
+  // that follows holds the screen.
+  std::function<void(const std::string&)> alCambiarGuia;
+  void ponGuia(std::string_view texto);
+
+  // Sets Option1(0) or Option1(1) on and the other off, as a pair of option buttons.
+  void marcaCotizacion();
+  void marcaAfiliacion();
+  // Option2 click: the replacement panel shows for Sustitución; otherwise it hides and
+  // its five boxes are emptied.
+  void ponModo(Modo m);
+};
+
+// Widths of the boxes of the page.
+inline constexpr std::size_t ANCHONOMBREFICHERO = 8;
+inline constexpr std::size_t ANCHOCLAVEAFI = 8;
+
+// The wizard's load: the comma test (COMADECIMAL), Label19 from the sender, Label3, and
+// the settings: when the file is empty `muestraConfiguracion` runs (the configuration
+// dialog, modally) before the record is read into the program and RUTAWS is set.
+void cargaAsistente(Programa& programa, PaginaIntercambio& pagina,
+                    const std::function<void()>& muestraConfiguracion);
+
+// The comma test of the forms' load: 28.8 formatted as text and formatted again with
+// "   ##.####" reads above 30 only where the machine writes decimals with a comma.
+double pruebaComaDecimal(const Separadores& sistema);
+
+// `fan` and `AFI`: prepare the page for a contribution or an affiliation message at the
+// moment `ahora`: guidance text, extension, the AFI keys shown or hidden, date and time
+// of preparation, the default name "F" + ddmmyyhh cut to 8, and the name rule.
+void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacion);
+
+// The name rule: the trimmed name in upper case, filled with "0" on the right up to 8.
+// A longer name is only put in upper case; a blank name stays blank.
+std::string reglaNombre(std::string_view nombre);
+
+// The reference of the replaced send (positions 55 to 68 of the ETI line): Año (2), Mes
+// (2), Serie (trimmed, unfilled), Envío (5), Doc (4), each number by value with zeros on
+// the left; 14 "0" when Año reads 0 (also when it is empty).
+std::string referenciaSustitucion(const PaginaIntercambio& pagina);
+
+// The mode character: " " normal, "P" test, "S" replacement.
+std::string caracterModo(Modo modo);
+
+// The ETI label line. The record is the settings as just read.
+std::string LINEAETI(const PaginaIntercambio& pagina, const REGINTERCAMBIO& registro);
+// The SIL line of an AFI exchange. The two key boxes are first filled to 8 with blanks
+// on the right, in the boxes themselves.
+std::string LINEASIL(PaginaIntercambio& pagina);
+
+// ---- The exchange file's path ---------------------------------------------------------
+
+// The file name: the trimmed name box, ".", the trimmed extension.
+std::string nombreFicheroIntercambio(const PaginaIntercambio& pagina);
+
+// The start of every path of the tool's folders: the route of the tool trimmed and in
+// upper case, cut after the position of "\VIPTC2\" plus 11 characters (the length of a
+// root such as "C:\WINSUITE"; 11 alone when the marker is not there).
+std::string raizIntercambio(std::string_view RUTAWS);
+
+// The path of the FAN writer: root, "\VIPTC2\", "FAN\" and the name; when the page's
+// first option is not set, root, "AFI\" and the name, without the marker.
+std::string rutaFicheroFAN(std::string_view RUTAWS, const PaginaIntercambio& pagina);
+// The path of the AFI writer: root, "\VIPTC2\", "FAN\" or "AFI\" by the first option,
+// and the name.
+std::string rutaFicheroAFI(std::string_view RUTAWS, const PaginaIntercambio& pagina);
+
+// ---- Windows paths on this system ------------------------------------------------------
+
+// Where the Windows drives of the transmission tool are: the Wine prefix.
+struct EntornoWine {
+  std::filesystem::path prefijo;  // $WINEPREFIX, or ~/.wine
+};
+EntornoWine entornoWineDelSistema();
+
+// The native form of a path the rules build: backslashes become "/", a drive "X:"
+// becomes the Wine drive prefijo/dosdevices/x: (for "C:" falling back to
+// prefijo/drive_c when that link is missing). Each part of the path that is missing
+// under its exact name is looked for ignoring case.
+std::filesystem::path rutaNativa(std::string_view rutaWindows, const EntornoWine& entorno);
+
+// The command that starts a program the rules name: a Windows ".EXE" runs through
+// "wine" with its native path; anything else runs as it stands. Arguments follow.
+std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,
+                                         const EntornoWine& entorno);
+
+// Starts programs without waiting and without looking at the result.
+class Lanzador {
+ public:
+  virtual ~Lanzador() = default;
+  virtual void lanza(const std::vector<std::string>& orden) = 0;
+};
+
+// The real one: a detached process; a failure to start is silent, as on Windows.
+class LanzadorDelSistema : public Lanzador {
+ public:
+  void lanza(const std::vector<std::string>& orden) override;
+};
+
+// The "Winsuite" command of the main window: read the settings (holding the lock while
+// reading), LANZADOR := RUTAWINSUITE, and when it is not blank start it without
+// arguments. A blank route does nothing and says nothing.
+void lanzaWinsuite(Programa& programa, Lanzador& lanzador, const EntornoWine& entorno);
+
+// ---- fan2 --------------------------------------------------------------------------------
+
+// The modal forms that fan2 hands over to. Each returns when its form closes.
+class FormulariosIntercambio {
+ public:
+  virtual ~FormulariosIntercambio() = default;
+  virtual void COTIZACION() = 0;  // the company selection and the FAN writer
+  virtual void AFILIA() = 0;      // the affiliation module and the AFI writer
+  virtual void EDITOR() = 0;      // the exchange file editor on FICHEROSALIDA
+};
+
+// "&Aceptar": the page's title, then the whole hand-over. The ETI line from a fresh read
+// of the settings; for a contribution the company selection, and after it (unless it
+// was cancelled) the guidance text, the excluded-companies box, the editor offer and
+// the start of the tool; for an affiliation the SIL line and the affiliation module.
+void Command3(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio& formularios,
+              Lanzador& lanzador, const EntornoWine& entorno);
+void fan2(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio& formularios,
+          Lanzador& lanzador, const EntornoWine& entorno);
+
+// The company names of the configuration dialog's combo: "Configuración General", then
+// the first 35 characters of each company's name in the order of the index EMNO.
+std::vector<std::string> listaCombo1(Programa& programa);
+
+}  // namespace valdor

@@ -1,0 +1,323 @@
+// The exchange wizard's rules: the page, the label lines, the exchange file's path and
+// its native form, the start of the tool, and the hand-over of fan2.
+
+#include <gtest/gtest.h>
+
+#include "shell/asistente.h"
+#include "shell/programa.h"
+#include "stores/colacion.h"
+#include "stores/oficina_muestra.h"
+#include "stores/texto.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+using pruebas::CarpetaTemporal;
+using pruebas::DialogosGrabador;
+namespace fs = std::filesystem;
+
+const Momento QUINCENOVIEMBRE{2026, 11, 15, 7, 30, 0};
+
+REGINTERCAMBIO registro(std::string autoriza, std::string silcon) {
+  return {ajusta(autoriza, 8), ajusta(silcon, 8), ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150), "01/02/2026"};
+}
+
+PaginaIntercambio paginaFan() {
+  PaginaIntercambio p;
+  p.marcaCotizacion();
+  p.Label10 = "FAN";
+  p.Label12 = "20261115";
+  p.Label13 = "0730";
+  p.Text8 = "F1511260";
+  return p;
+}
+
+TEST(Asistente, ElNombreDelFicheroSeCompletaConCerosYEnMayusculas) {
+  EXPECT_EQ(reglaNombre("abc"), "ABC00000");
+  EXPECT_EQ(reglaNombre("  x1 "), "X1000000");
+  EXPECT_EQ(reglaNombre("abcdefgh"), "ABCDEFGH");
+  EXPECT_EQ(reglaNombre("abcdefghij"), "ABCDEFGHIJ");  // only upper case; the box holds 8
+  EXPECT_EQ(reglaNombre("   "), "");
+  EXPECT_EQ(reglaNombre(utf8ACp1252("ñu")), utf8ACp1252("ÑU000000"));
+}
+
+TEST(Asistente, LaReferenciaDeLaSustitucionVaPorValorConSuReglaDelCero) {
+  PaginaIntercambio p;
+  p.ponModo(Modo::Sustitucion);
+  EXPECT_TRUE(p.SSPanel4Visible);
+  p.Text3 = "1";
+  p.Text4 = "3";
+  p.Text5 = "A";
+  p.Text6 = "12";
+  p.Text7 = "7";
+  EXPECT_EQ(referenciaSustitucion(p), "0103A000120007");
+  p.Text5 = "";  // an empty series moves the rest left
+  EXPECT_EQ(referenciaSustitucion(p), "0103000120007");
+  p.Text3 = "";  // Año reads 0: fourteen zeros whatever the rest holds
+  EXPECT_EQ(referenciaSustitucion(p), std::string(14, '0'));
+  p.Text3 = "0";
+  EXPECT_EQ(referenciaSustitucion(p), std::string(14, '0'));
+
+  p.Text3 = "5";
+  p.ponModo(Modo::Pruebas);  // leaving Sustitución hides the panel and empties its boxes
+  EXPECT_FALSE(p.SSPanel4Visible);
+  EXPECT_EQ(p.Text3 + p.Text4 + p.Text5 + p.Text6 + p.Text7, "");
+  EXPECT_EQ(caracterModo(Modo::Normal), " ");
+  EXPECT_EQ(caracterModo(Modo::Pruebas), "P");
+  EXPECT_EQ(caracterModo(Modo::Sustitucion), "S");
+}
+
+TEST(Asistente, LaLineaETIColocaCadaCampoEnSuPosicion) {
+  PaginaIntercambio p = paginaFan();
+  const std::string eti = LINEAETI(p, registro("123", "ABCDEFGH"));
+  EXPECT_EQ(eti,
+            "ETI" "TC220VIP28" "00000123" "ABCDEFGH" "20261115" "0730" "F1511260" "FAN" "N" " "
+            "00000000000000" "  ");
+  EXPECT_EQ(eti.size(), 70u);
+
+  // A short SILCON key stays short: everything behind it stands five places to the left.
+  const std::string corta = LINEAETI(p, registro("12345678", "ABC"));
+  EXPECT_EQ(corta.size(), 65u);
+  EXPECT_EQ(corta.substr(21, 3), "ABC");
+  EXPECT_EQ(corta.substr(24, 8), "20261115");
+
+  p.marcaAfiliacion();
+  p.ponModo(Modo::Sustitucion);
+  p.Text3 = "1";
+  p.Text4 = "3";
+  p.Text5 = "A";
+  p.Text6 = "12";
+  p.Text7 = "7";
+  const std::string afi = LINEAETI(p, registro("123456789", "ABCDEFGH"));
+  EXPECT_EQ(afi.substr(3, 10), "AFI31WS342");
+  EXPECT_EQ(afi.substr(13, 8), "12345678");  // a longer key is cut where the line takes it
+  EXPECT_EQ(afi.substr(52, 2), "NS");
+  EXPECT_EQ(afi.substr(54, 14), "0103A000120007");
+}
+
+TEST(Asistente, LaLineaSILRellenaLasClavesEnLasPropiasCajas) {
+  PaginaIntercambio p;
+  p.Text10 = "K1";
+  p.Text11 = "NUEVA";
+  EXPECT_EQ(LINEASIL(p), "SIL" "K1      " "NUEVA   " + std::string(51, ' '));
+  EXPECT_EQ(p.Text10, "K1      ");
+  EXPECT_EQ(p.Text11, "NUEVA   ");
+}
+
+TEST(Asistente, LaRutaDelFicheroSaleDeLaRutaDeWinsuite) {
+  PaginaIntercambio p = paginaFan();
+  const std::string winsuite = ajusta("c:\\winsuite\\winsuite.exe", 150);
+  EXPECT_EQ(rutaFicheroFAN(winsuite, p), "C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN");
+  EXPECT_EQ(rutaFicheroAFI(winsuite, p), "C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN");
+  p.marcaAfiliacion();
+  p.Label10 = "AFI";
+  EXPECT_EQ(rutaFicheroAFI(winsuite, p), "C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI");
+  EXPECT_EQ(rutaFicheroFAN(winsuite, p), "C:\\WINSUITEAFI\\F1511260.AFI");  // no marker there
+  // The marker in the route: the path keeps 11 characters behind its position.
+  p.marcaCotizacion();
+  EXPECT_EQ(rutaFicheroFAN("D:\\Programas\\VIPTC2\\WinSuite.exe", p),
+            "D:\\PROGRAMAS\\VIPTC2\\WINS\\VIPTC2\\FAN\\F1511260.AFI");
+  EXPECT_EQ(raizIntercambio("X"), "X");
+}
+
+TEST(Asistente, LasRutasDeWindowsSeAbrenEnLaUnidadDeWineSinMirarMayusculas) {
+  CarpetaTemporal c;
+  const EntornoWine wine{c.ruta()};
+  fs::create_directories(c / "drive_c/WinSuite/viptc2/fan");
+  EXPECT_EQ(rutaNativa("C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN", wine),
+            c / "drive_c/WinSuite/viptc2/fan/F1511260.FAN");
+  fs::create_directories(c / "dosdevices");
+  fs::create_directories(c / "otra");
+  fs::create_directory_symlink(c / "otra", c / "dosdevices/d:");
+  EXPECT_EQ(rutaNativa("d:\\x.txt", wine), c / "dosdevices/d:/x.txt");
+  EXPECT_EQ(rutaNativa("/usr/bin/true", wine), fs::path("/usr/bin/true"));
+
+  EXPECT_EQ(ordenDeArranque("C:\\WINSUITE\\WINSUITE.EXE", {}, wine),
+            (std::vector<std::string>{"wine", (c / "drive_c/WinSuite/WINSUITE.EXE").string()}));
+  EXPECT_EQ(ordenDeArranque("  /usr/bin/gedit ", {"/tmp/a b"}, wine),
+            (std::vector<std::string>{"/usr/bin/gedit", "/tmp/a b"}));
+}
+
+// ---- The run of the wizard ----------------------------------------------------------------
+
+struct LanzadorGrabador : Lanzador {
+  void lanza(const std::vector<std::string>& orden) override { ordenes.push_back(orden); }
+  std::vector<std::vector<std::string>> ordenes;
+};
+
+struct FormulariosGuionados : FormulariosIntercambio {
+  explicit FormulariosGuionados(Programa& p) : programa(p) {}
+  void COTIZACION() override {
+    vistos += "COTIZACION ";
+    if (cancela) programa.g.CANCELADO = 1;
+    if (excluye) programa.g.HAYEXCLUIDAS = 1;
+  }
+  void AFILIA() override { vistos += "AFILIA "; }
+  void EDITOR() override { vistos += "EDITOR "; }
+  Programa& programa;
+  bool cancela = false;
+  bool excluye = false;
+  std::string vistos;
+};
+
+struct Oficina {
+  Oficina() {
+    fs::create_directories(carpetas.trabajo);
+    fs::create_directories(carpetas.programa);
+  }
+  void ponRuta(const std::string& ruta) {
+    FicheroAjustes f(carpetas.trabajo);
+    REGINTERCAMBIO r = registro("123", "ABCDEFGH");
+    r.RUTAWINSUITE = ruta;
+    f.escribe(r);
+  }
+  CarpetaTemporal c;
+  Carpetas carpetas{c / "programa", c / "trabajo"};
+  DialogosGrabador dialogos;
+  LanzadorGrabador lanzador;
+  EntornoWine wine{c / "wine"};
+};
+
+TEST(Asistente, LaCargaFuerzaLaConfiguracionConElFicheroVacioYLeeLaRuta) {
+  Oficina o;
+  guardaEmisor(o.carpetas.trabajo, utf8ACp1252("Gestoría del Valle"));
+  Programa p(o.carpetas, o.dialogos, Separadores{',', '.'}, QUINCENOVIEMBRE);
+  p.g.EMISORNOMBRE = leeEmisor(o.carpetas.trabajo);
+  PaginaIntercambio pagina;
+  int configuraciones = 0;
+  cargaAsistente(p, pagina, [&] {
+    ++configuraciones;
+    FicheroAjustes f(o.carpetas.trabajo);
+    guardaConfiguracion(f, cargaConfiguracion(f, ""));
+  });
+  EXPECT_EQ(configuraciones, 1);
+  EXPECT_EQ(p.g.RUTAWS, ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150));
+  EXPECT_EQ(pagina.Label19, utf8ACp1252("para GESTORÍA DEL VALLE"));
+  EXPECT_EQ(pagina.Label3, textoBienvenida());
+  EXPECT_EQ(p.g.COMADECIMAL, 1);
+
+  Programa punto(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  cargaAsistente(punto, pagina, [&] { ++configuraciones; });
+  EXPECT_EQ(configuraciones, 1);  // the file is no longer empty
+  EXPECT_EQ(punto.g.COMADECIMAL, 0);
+}
+
+TEST(Asistente, PrepararLaPaginaDaFechaHoraYElNombrePorDefecto) {
+  Oficina o;
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  PaginaIntercambio pagina;
+  std::vector<std::string> guias;
+  pagina.alCambiarGuia = [&](const std::string& t) { guias.push_back(t); };
+  preparaPagina(p, pagina, true);
+  EXPECT_EQ(pagina.Text8, "F1511260");
+  EXPECT_EQ(pagina.Label10, "FAN");
+  EXPECT_EQ(pagina.Label12, "20261115");
+  EXPECT_EQ(pagina.Label13, "0730");
+  EXPECT_FALSE(pagina.clavesAFIVisibles);
+  ASSERT_EQ(guias.size(), 1u);
+  EXPECT_EQ(guias[0], textoReferencia());
+  preparaPagina(p, pagina, false);
+  EXPECT_EQ(pagina.Label10, "AFI");
+  EXPECT_TRUE(pagina.clavesAFIVisibles);
+  EXPECT_TRUE(o.dialogos.mensajes.empty());
+}
+
+TEST(Asistente, Fan2CanceladoNoOfreceElEditorNiArrancaNada) {
+  Oficina o;
+  o.ponRuta("C:\\WINSUITE\\WINSUITE.EXE");
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  p.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
+  FormulariosGuionados f(p);
+  f.cancela = true;
+  PaginaIntercambio pagina = paginaFan();
+  pagina.Label3 = "antes";
+  Command3(p, pagina, f, o.lanzador, o.wine);
+  EXPECT_EQ(f.vistos, "COTIZACION ");
+  EXPECT_EQ(p.g.CANCELADO, 0);
+  EXPECT_TRUE(o.dialogos.preguntas.empty());
+  EXPECT_TRUE(o.lanzador.ordenes.empty());
+  EXPECT_EQ(pagina.Label3, "antes");
+  EXPECT_EQ(pagina.SSPanel1, utf8ACp1252("   Cotización"));
+  EXPECT_EQ(p.g.LINEAETI.substr(0, 21), "ETITC220VIP2800000123");
+  EXPECT_EQ(o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal}));
+}
+
+TEST(Asistente, Fan2TerminadoAvisaDeLasExcluidasOfreceElEditorYArrancaWinsuite) {
+  Oficina o;
+  o.ponRuta("C:\\WINSUITE\\WINSUITE.EXE");
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  p.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
+  FormulariosGuionados f(p);
+  f.excluye = true;
+  o.dialogos.respuestas = {true};
+  PaginaIntercambio pagina = paginaFan();
+  fan2(p, pagina, f, o.lanzador, o.wine);
+
+  EXPECT_EQ(f.vistos, "COTIZACION EDITOR ");
+  ASSERT_EQ(o.dialogos.mensajes.size(), 1u);
+  EXPECT_EQ(o.dialogos.mensajes[0].titulo, "Dortek.- Sistema Red");
+  ASSERT_EQ(o.dialogos.preguntas.size(), 1u);
+  EXPECT_EQ(o.dialogos.preguntas[0].texto, preguntaEditarFan());
+  EXPECT_EQ(pagina.Label3, std::string(textoActivaWinsuite()) + p.g.RUTAWS);
+  EXPECT_EQ(p.g.LANZADOR, "C:\\WINSUITE\\WINSUITE.EXE");
+  ASSERT_EQ(o.lanzador.ordenes.size(), 1u);
+  EXPECT_EQ(o.lanzador.ordenes[0],
+            (std::vector<std::string>{"wine", (o.wine.prefijo / "drive_c/WINSUITE/WINSUITE.EXE").string()}));
+
+  // With no route there is no editor, whatever the answer, and nothing starts.
+  o.ponRuta("");
+  p.g.RUTAWS = std::string(150, ' ');
+  o.dialogos.respuestas = {true};
+  f.vistos.clear();
+  fan2(p, pagina, f, o.lanzador, o.wine);
+  EXPECT_EQ(f.vistos, "COTIZACION ");
+  EXPECT_EQ(o.lanzador.ordenes.size(), 1u);
+}
+
+TEST(Asistente, Fan2SinCotizacionTomaElCaminoDeLaAfiliacion) {
+  Oficina o;
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  FormulariosGuionados f(p);
+  PaginaIntercambio pagina = paginaFan();
+  pagina.Option1Cotizacion = false;  // neither option on
+  pagina.Text10 = "CLAVE1";
+  Command3(p, pagina, f, o.lanzador, o.wine);
+  EXPECT_EQ(f.vistos, "AFILIA ");
+  EXPECT_EQ(pagina.SSPanel1, utf8ACp1252("   Afiliación"));
+  EXPECT_EQ(p.g.LINEAETI.substr(3, 10), "AFI31WS342");
+  EXPECT_EQ(p.g.LINEASIL, "SILCLAVE1  " + std::string(8, ' ') + std::string(51, ' '));
+  EXPECT_TRUE(o.lanzador.ordenes.empty());
+}
+
+TEST(Asistente, WinsuiteConLaRutaEnBlancoNoHaceNiDiceNada) {
+  Oficina o;
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  lanzaWinsuite(p, o.lanzador, o.wine);  // empty settings file
+  o.ponRuta("   ");
+  lanzaWinsuite(p, o.lanzador, o.wine);
+  EXPECT_TRUE(o.lanzador.ordenes.empty());
+  EXPECT_TRUE(o.dialogos.mensajes.empty());
+  o.ponRuta("/usr/bin/true");
+  lanzaWinsuite(p, o.lanzador, o.wine);
+  EXPECT_EQ(o.lanzador.ordenes, (std::vector<std::vector<std::string>>{{"/usr/bin/true"}}));
+}
+
+TEST(Asistente, ElComboDeLaConfiguracionListaLasEmpresasPorNombre) {
+  Oficina o;
+  fs::remove_all(o.carpetas.programa);
+  fs::remove_all(o.carpetas.trabajo);
+  escribeOficinaMuestra(o.carpetas, {10, 2026});
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  p.arranca();
+  const auto lista = listaCombo1(p);
+  ASSERT_GE(lista.size(), 5u);
+  EXPECT_EQ(lista[0], utf8ACp1252("Configuración General"));
+  for (std::size_t i = 2; i < lista.size(); ++i) {
+    EXPECT_LE(lista[i].size(), 35u);
+    EXPECT_LE(comparaEspanol(cp1252AUtf8(lista[i - 1]), cp1252AUtf8(lista[i])), 0);
+  }
+}
+
+}  // namespace
+}  // namespace valdor
