@@ -14,6 +14,7 @@
 
 #include "shell/ajustes.h"
 #include "shell/momento.h"
+#include "shell/rutas.h"
 #include "stores/numeros.h"
 
 namespace valdor {
@@ -124,38 +125,6 @@ std::string rutaFicheroFAN(std::string_view RUTAWS, const PaginaIntercambio& pag
 // The path of the AFI writer: root, "\VIPTC2\", "FAN\" or "AFI\" by the first option,
 // and the name.
 std::string rutaFicheroAFI(std::string_view RUTAWS, const PaginaIntercambio& pagina);
-
-// ---- Windows paths on this system ------------------------------------------------------
-
-// Where the Windows drives of the transmission tool are: the Wine prefix.
-struct EntornoWine {
-  std::filesystem::path prefijo;  // $WINEPREFIX, or ~/.wine
-};
-EntornoWine entornoWineDelSistema();
-
-// The native form of a path the rules build: backslashes become "/", a drive "X:"
-// becomes the Wine drive prefijo/dosdevices/x: (for "C:" falling back to
-// prefijo/drive_c when that link is missing). Each part of the path that is missing
-// under its exact name is looked for ignoring case.
-std::filesystem::path rutaNativa(std::string_view rutaWindows, const EntornoWine& entorno);
-
-// The command that starts a program the rules name: a Windows ".EXE" runs through
-// "wine" with its native path; anything else runs as it stands. Arguments follow.
-std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,
-                                         const EntornoWine& entorno);
-
-// Starts programs without waiting and without looking at the result.
-class Lanzador {
- public:
-  virtual ~Lanzador() = default;
-  virtual void lanza(const std::vector<std::string>& orden) = 0;
-};
-
-// The real one: a detached process; a failure to start is silent, as on Windows.
-class LanzadorDelSistema : public Lanzador {
- public:
-  void lanza(const std::vector<std::string>& orden) override;
-};
 
 // The "Winsuite" command of the main window: read the settings (holding the lock while
 // reading), LANZADOR := RUTAWINSUITE, and when it is not blank start it without

@@ -4,12 +4,14 @@
 // the forms and the command line hold it and pass it by reference.
 #pragma once
 
+#include <array>
 #include <optional>
 #include <string>
 
 #include "shell/ajustes.h"
 #include "shell/dialogos.h"
 #include "shell/momento.h"
+#include "shell/rutas.h"
 #include "stores/catalogo.h"
 #include "stores/numeros.h"
 
@@ -35,6 +37,10 @@ struct Globales {
   std::string EMISORNOMBRE;
   std::string MESPROCESO;
   std::string ANOPROCESO;
+  // The output of the accent mapping, kept from one name to the next.
+  std::string TEXTOPLANO;
+  // The TC1 lines of the company at hand, entries 1 to 25 (entry 0 is not used).
+  std::array<std::string, 26> LINEASTC1;
 };
 
 class Programa {
@@ -50,6 +56,8 @@ class Programa {
   Globales g;
   REGINTERCAMBIO registro;
   Almacenes almacenes;
+  // Where the Windows drives of the transmission tool are.
+  EntornoWine entornoWine = entornoWineDelSistema();
 
   Dialogos& dialogos() { return dialogos_; }
   const Carpetas& carpetas() const { return almacenes.carpetas(); }

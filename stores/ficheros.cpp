@@ -69,4 +69,49 @@ int reemplazaFichero(const std::filesystem::path& destino, std::string_view cont
   return error;
 }
 
+namespace {
+
+[[noreturn]] void fallaEscritura(const std::filesystem::path& ruta, int error) {
+  if (esDiscoLleno(error))
+    throw ErrorFichero("No queda espacio en el disco para escribir " + entreComillas(ruta) +
+                       ". El fichero no se ha generado.");
+  throw ErrorFichero("No se puede escribir " + entreComillas(ruta) + ": " + razonDelSistema(error) +
+                     ". El fichero no se ha generado.");
+}
+
+}  // namespace
+
+FicheroRegistros::FicheroRegistros(std::filesystem::path destino) : destino_(std::move(destino)) {
+  std::error_code ec;
+  if (!destino_.parent_path().empty()) std::filesystem::create_directories(destino_.parent_path(), ec);
+  for (int intento = 0; fd_ < 0 && intento < INTENTOSTEMPORAL; ++intento) {
+    temporal_ = nombreTemporal(destino_, intento);
+    fd_ = ::open(temporal_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
+    if (fd_ < 0 && errno != EEXIST) fallaEscritura(destino_, errno);
+  }
+  if (fd_ < 0) fallaEscritura(destino_, EEXIST);
+}
+
+FicheroRegistros::~FicheroRegistros() {
+  if (fd_ >= 0) ::close(fd_);
+  if (!confirmado_ && !temporal_.empty()) ::unlink(temporal_.c_str());
+}
+
+void FicheroRegistros::imprime(std::string_view linea) {
+  std::string registro(linea);
+  registro += "\r\n";
+  if (const int error = escribeTodo(fd_, registro, static_cast<off_t>(longitud_)); error != 0)
+    fallaEscritura(destino_, error);
+  longitud_ += registro.size();
+}
+
+void FicheroRegistros::confirma() {
+  int error = ::fsync(fd_) != 0 ? errno : 0;
+  if (::close(fd_) != 0 && error == 0) error = errno;
+  fd_ = -1;
+  if (error == 0 && ::rename(temporal_.c_str(), destino_.c_str()) != 0) error = errno;
+  if (error != 0) fallaEscritura(destino_, error);
+  confirmado_ = true;
+}
+
 }  // namespace valdor

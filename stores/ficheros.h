@@ -5,7 +5,9 @@
 
 #include <sys/types.h>
 
+#include <cstdint>
 #include <filesystem>
+#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -38,5 +40,38 @@ int reemplazaFichero(const std::filesystem::path& destino, std::string_view cont
 // INTENTOSTEMPORAL - 1; a name already taken is passed over.
 inline constexpr int INTENTOSTEMPORAL = 100;
 std::filesystem::path nombreTemporal(const std::filesystem::path& destino, int intento);
+
+// An exchange file being written: records of text, each ended by CR LF, put under a
+// temporary name beside the final one and renamed over it only when `confirma` is
+// called, so that a crash or a full disk never leaves half a file under the final
+// name. The temporary file goes with the object when it was not confirmed.
+class FicheroRegistros {
+ public:
+  // Creates the folder of `destino` when it is missing. Throws ErrorFichero.
+  explicit FicheroRegistros(std::filesystem::path destino);
+  ~FicheroRegistros();
+  FicheroRegistros(const FicheroRegistros&) = delete;
+  FicheroRegistros& operator=(const FicheroRegistros&) = delete;
+
+  // Writes `linea` and CR LF. Throws ErrorFichero.
+  void imprime(std::string_view linea);
+  // The bytes written so far.
+  std::uintmax_t longitud() const { return longitud_; }
+  // Flushes the file to disk and puts it under its final name. Throws ErrorFichero.
+  void confirma();
+
+ private:
+  std::filesystem::path destino_;
+  std::filesystem::path temporal_;
+  int fd_ = -1;
+  std::uintmax_t longitud_ = 0;
+  bool confirmado_ = false;
+};
+
+// A file that could not be written, with a Spanish message naming it.
+class ErrorFichero : public std::runtime_error {
+ public:
+  using std::runtime_error::runtime_error;
+};
 
 }  // namespace valdor

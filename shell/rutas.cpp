@@ -1,0 +1,91 @@
+#include "shell/rutas.h"
+
+#include <fcntl.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <system_error>
+
+#include "stores/ficheros.h"
+#include "stores/texto.h"
+
+namespace valdor {
+
+namespace fs = std::filesystem;
+
+EntornoWine entornoWineDelSistema() {
+  if (const char* prefijo = std::getenv("WINEPREFIX"); prefijo && *prefijo) return {fs::path(prefijo)};
+  const char* casa = std::getenv("HOME");
+  return {fs::path(casa && *casa ? casa : ".") / ".wine"};
+}
+
+fs::path rutaNativa(std::string_view rutaWindows, const EntornoWine& entorno) {
+  std::string ruta = cp1252AUtf8(recorta(rutaWindows));
+  for (char& c : ruta)
+    if (c == '\\') c = '/';
+  fs::path actual;
+  std::string_view resto = ruta;
+  const bool conUnidad = ruta.size() >= 2 && ruta[1] == ':' &&
+                         ((ruta[0] >= 'A' && ruta[0] <= 'Z') || (ruta[0] >= 'a' && ruta[0] <= 'z'));
+  if (conUnidad) {
+    const char unidad = static_cast<char>(ruta[0] | 0x20);
+    actual = entorno.prefijo / "dosdevices" / (std::string(1, unidad) + ":");
+    std::error_code ec;
+    if (unidad == 'c' && !fs::exists(actual, ec)) actual = entorno.prefijo / "drive_c";
+    resto.remove_prefix(2);
+  } else if (!resto.empty() && resto.front() == '/') {
+    actual = "/";
+  }
+  // Each part of the path, looked for ignoring case where its exact name is missing.
+  while (!resto.empty()) {
+    const std::size_t barra = resto.find('/');
+    const std::string_view parte = resto.substr(0, barra);
+    resto = barra == std::string_view::npos ? std::string_view{} : resto.substr(barra + 1);
+    if (parte.empty() || parte == ".") continue;
+    actual = actual.empty() ? fs::path(std::string(parte)) : resuelveFichero(actual, parte);
+  }
+  return actual;
+}
+
+std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,
+                                         const EntornoWine& entorno) {
+  const std::string limpio = recorta(programa);
+  std::vector<std::string> orden;
+  const bool esWindows = limpio.size() >= 2 && limpio[1] == ':';
+  if (mayusculas(derecha(limpio, 4)) == ".EXE") {
+    orden = {"wine", rutaNativa(limpio, entorno).string()};
+  } else {
+    orden = {esWindows ? rutaNativa(limpio, entorno).string() : cp1252AUtf8(limpio)};
+  }
+  for (const std::string& a : argumentos) orden.push_back(a);
+  return orden;
+}
+
+void LanzadorDelSistema::lanza(const std::vector<std::string>& orden) {
+  if (orden.empty()) return;
+  std::vector<char*> argv;
+  for (const std::string& a : orden) argv.push_back(const_cast<char*>(a.c_str()));
+  argv.push_back(nullptr);
+  // Two forks: the program runs on its own, nobody waits for it, and no child is left
+  // behind unreaped. Any failure is silent.
+  const pid_t hijo = ::fork();
+  if (hijo < 0) return;
+  if (hijo == 0) {
+    ::setsid();
+    if (::fork() == 0) {
+      const int nulo = ::open("/dev/null", O_RDWR);
+      if (nulo >= 0) {
+        ::dup2(nulo, 0);
+        ::dup2(nulo, 1);
+        ::dup2(nulo, 2);
+      }
+      ::execvp(argv[0], argv.data());
+    }
+    ::_exit(0);
+  }
+  int estado = 0;
+  ::waitpid(hijo, &estado, 0);
+}
+
+}  // namespace valdor

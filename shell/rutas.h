@@ -1,0 +1,44 @@
+// Windows paths on this system: the paths that the rules build are Windows paths (the
+// transmission tool's folders); they are kept and shown as such, and opened through the
+// Wine drives, where the tool runs and sees the same folders. Programs the rules name
+// start through Wine when they are Windows programs.
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace valdor {
+
+// Where the Windows drives of the transmission tool are: the Wine prefix.
+struct EntornoWine {
+  std::filesystem::path prefijo;  // $WINEPREFIX, or ~/.wine
+};
+EntornoWine entornoWineDelSistema();
+
+// The native form of a path the rules build: backslashes become "/", a drive "X:"
+// becomes the Wine drive prefijo/dosdevices/x: (for "C:" falling back to
+// prefijo/drive_c when that link is missing). Each part of the path that is missing
+// under its exact name is looked for ignoring case.
+std::filesystem::path rutaNativa(std::string_view rutaWindows, const EntornoWine& entorno);
+
+// The command that starts a program the rules name: a Windows ".EXE" runs through
+// "wine" with its native path; anything else runs as it stands. Arguments follow.
+std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,
+                                         const EntornoWine& entorno);
+
+// Starts programs without waiting and without looking at the result.
+class Lanzador {
+ public:
+  virtual ~Lanzador() = default;
+  virtual void lanza(const std::vector<std::string>& orden) = 0;
+};
+
+// The real one: a detached process; a failure to start is silent, as on Windows.
+class LanzadorDelSistema : public Lanzador {
+ public:
+  void lanza(const std::vector<std::string>& orden) override;
+};
+
+}  // namespace valdor
