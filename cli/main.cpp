@@ -29,6 +29,11 @@ constexpr std::string_view USO = R"(Uso: valdor-cli [--programa DIR] [--trabajo 
            muestra los ajustes del intercambio; con opciones, los guarda
   empresas [--mes M --ano A]
            lista las empresas con nóminas calculadas en el mes: código, nombre, trabajadores
+  fan      [--mes M --ano A] [--empresas C1,C2,...] [--clase L00] [--calificador 00]
+           [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
+           [--dev-cta] [--lanzar]
+           escribe el fichero de cotización .FAN; sin --empresas, todas las del mes;
+           la última línea es la ruta del fichero
 
 La carpeta del programa es la del ejecutable, salvo --programa o VALDOR_PROGRAMA.
 La carpeta de trabajo es la actual; --trabajo cambia a ella antes de empezar.
@@ -105,6 +110,7 @@ int ejecuta(const Llamada& llamada) {
   if (llamada.orden == "muestra") return ordenMuestra(llamada);
   if (llamada.orden == "ajustes") return ordenAjustes(llamada);
   if (llamada.orden == "empresas") return ordenEmpresas(llamada);
+  if (llamada.orden == "fan") return ordenFan(llamada);
   throw ErrorLlamada("Orden desconocida: " + utf8ACp1252(llamada.orden) + ".");
 }
 

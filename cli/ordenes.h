@@ -57,5 +57,6 @@ struct Llamada {
 int ordenMuestra(const Llamada& llamada);
 int ordenAjustes(const Llamada& llamada);
 int ordenEmpresas(const Llamada& llamada);
+int ordenFan(const Llamada& llamada);
 
 }  // namespace valdor::cli

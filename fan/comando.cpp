@@ -7,6 +7,7 @@
 #include "shell/asistente.h"
 #include "shell/programa.h"
 #include "stores/ficheros.h"
+#include "stores/literales.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
 
@@ -199,6 +200,15 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
   g.ANOPROCESO = a.ANOPERIODO;
 
   motor.COTVAL(programa, sel);
+
+  // Without the tool's route there is no folder to write into.
+  if (recorta(g.RUTAWS).empty()) {
+    dialogos.mensaje("RUTA NO VALIDA PARA WINSUITE",
+                     "Debe indicar una ruta válida para el fichero WINSUITE. Pinche sobre la lupa para seleccionar la "
+                     "ubicación del fichero."_cp,
+                     Icono::Exclamacion);
+    return std::nullopt;
+  }
 
   g.FICHEROSALIDA = rutaFicheroFAN(g.RUTAWS, pagina);
   const fs::path destino = rutaNativa(g.FICHEROSALIDA, programa.entornoWine);

@@ -133,5 +133,39 @@ TEST(Cli, LaMuestraSeEscribeUnaVezYSusEmpresasSeListanEnOrdenDeNombre) {
   EXPECT_FALSE(fs::exists(c / "trabajo" / "TEMPORAL VALDOR.MDB"));
 }
 
+TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
+  CarpetaTemporal c;
+  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
+  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
+  auto r = valdor(c, {"--ahora", "2026-11-15 07:30", "fan", "--mes", "10", "--ano", "2026", "--modo", "pruebas"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  const fs::path fichero = c / "wine/drive_c/WINSUITE/VIPTC2/FAN/F1511260.FAN";
+  EXPECT_TRUE(r.salida.ends_with(fichero.string() + "\n")) << r.salida;
+  std::vector<std::string> lineas;
+  const std::string bytes = pruebas::leeBytes(fichero);
+  for (std::size_t p = 0; p < bytes.size();) {
+    const std::size_t fin = bytes.find("\r\n", p);
+    ASSERT_NE(fin, std::string::npos);
+    lineas.push_back(bytes.substr(p, fin - p));
+    p = fin + 2;
+  }
+  ASSERT_GE(lineas.size(), 10u);
+  for (std::size_t i = 0; i + 1 < lineas.size(); ++i) EXPECT_EQ(lineas[i].size(), 70u) << lineas[i];
+  EXPECT_EQ(lineas[0].substr(0, 13), "ETITC220VIP28");
+  EXPECT_EQ(lineas[0].substr(13, 8), "00731542");
+  // The trailer takes the sample's short authorisation key unfilled: two places short.
+  EXPECT_EQ(lineas.back().substr(0, 19), "ETFTC220VIP28731542");
+  EXPECT_EQ(lineas.back().substr(50, 7), "NP00004");
+  EXPECT_EQ(lineas.back().size(), 68u);
+
+  // A company code the month does not have: told, and no file.
+  r = valdor(c, {"fan", "--mes", "10", "--ano", "2026", "--empresas", "99999999999", "--nombre", "otro"});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("99999999999"), std::string::npos);
+  EXPECT_FALSE(fs::exists(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/OTRO0000.FAN"));
+  EXPECT_EQ(valdor(c, {"fan", "--clase", "Z99"}).estado, 2);
+  EXPECT_EQ(valdor(c, {"fan", "--nombre", "NUEVENUEV"}).estado, 2);
+}
+
 }  // namespace
 }  // namespace valdor

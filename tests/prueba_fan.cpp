@@ -1,0 +1,369 @@
+// The contribution exchange file: the employer block, the worker blocks read back from
+// the temp store with the held-back ED1, the totals, the TC1 lines and the trailer,
+// checked line by line in files written from hand-filled stores.
+
+#include <gtest/gtest.h>
+
+#include "fan/comando.h"
+#include "fan/empleador.h"
+#include "fan/seleccion.h"
+#include "shell/asistente.h"
+#include "shell/programa.h"
+#include "stores/esquemas.h"
+#include "stores/ficheros.h"
+#include "stores/texto.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+using pruebas::CarpetaTemporal;
+using pruebas::DialogosGrabador;
+namespace fs = std::filesystem;
+
+// ---- The employer block ------------------------------------------------------------------
+
+DatosEmpresa empresa(std::string A1, std::string A8, std::string EB12 = "", std::string A2 = "NOMBRE") {
+  return {std::move(A1), std::move(A2), std::move(A8), std::move(EB12), "45"};
+}
+
+TEST(Empleador, LaLineaEMPColocaCuentaIdentificadorYPeriodo) {
+  EXPECT_EQ(lineaEMPFAN(empresa("28000123456", "B12345678"), 2002, 3, "L00", "00"),
+            "EMP0111" "28" "000123456" "9   " "00000B12345678" "  0111" "28" "000123456" "2002" "03" "03" "L00" "00"
+            "   E");
+  const std::string x = lineaEMPFAN(empresa("08 12345", "x1234567l", "6"), 2002, 3, "L15", "04");
+  EXPECT_EQ(x.substr(0, 7), "EMP0132");
+  EXPECT_EQ(x.substr(9, 9), "000012345");  // the account's number by its value
+  EXPECT_EQ(x.substr(18, 4), "6   ");
+  EXPECT_EQ(x.substr(22, 14), "00000X1234567L");
+  EXPECT_EQ(x.substr(53, 8), "20020303");
+  EXPECT_EQ(x.substr(61, 5), "L1504");
+  EXPECT_EQ(cabeceraEMP(" 7 "), "EMP0132");
+  EXPECT_EQ(cabeceraEMP("5"), "EMP0111");
+
+  // A value wider than its field drops out and the line comes out short.
+  EXPECT_EQ(lineaEMPFAN(empresa("28000123456", "B123456789012345"), 2002, 3, "L00", "00").size(), 70u - 14u);
+}
+
+TEST(Empleador, ElTipoDeIdentificadorYLaClaseDeEmpresaSalenDelNIF) {
+  EXPECT_EQ(tipoIdentificadorFAN("B12345678"), "9   ");
+  EXPECT_EQ(tipoIdentificadorFAN("12345678Z"), "1   ");
+  EXPECT_EQ(tipoIdentificadorFAN("X1234567L"), "6   ");
+  EXPECT_EQ(tipoIdentificadorFAN("00123"), "1   ");
+  EXPECT_EQ(tipoIdentificadorFAN(""), "9   ");
+  EXPECT_EQ(tipoIdentificadorFAN("0ABC"), "1   ");
+  EXPECT_EQ(claseEmpresa("B12345678"), "2");
+  EXPECT_EQ(claseEmpresa("12345678Z"), "1");
+  EXPECT_EQ(claseEmpresa("X1234567L"), "4");
+  EXPECT_EQ(claseEmpresa("00123"), "4");
+  EXPECT_EQ(claseEmpresa("G50123454"), "3");
+  EXPECT_EQ(claseEmpresa(""), "4");
+}
+
+TEST(Empleador, ElNombreLlevaElJuegoDeLetrasDeLosFicherosEnMayusculas) {
+  std::string plano;
+  const std::string rzs = lineaRZS(empresa("28000123456", "B12345678", "", utf8ACp1252("Ángel Peñalara")), plano);
+  EXPECT_EQ(rzs, "RZS02" "\x8FNGEL PE\xA4" "ALARA" + std::string(55 - 14, ' ') + std::string(10, ' '));
+  // An empty name keeps what the mapping held from the company before.
+  EXPECT_EQ(lineaRZS(empresa("1", "B1", "", ""), plano).substr(5, 14), "\x8FNGEL PE\xA4" "ALARA");
+  // A name wider than 55 is lost.
+  EXPECT_EQ(lineaRZS(empresa("1", "B1", "", std::string(56, 'A')), plano), "RZS02" + std::string(10, ' '));
+}
+
+// ---- Worker blocks ------------------------------------------------------------------------
+
+std::string amount(std::string_view clave, std::string_view centimos) {
+  return ajusta(std::string(clave), 10) + std::string(centimos) + " " + std::string(26, '0') + std::string(26, ' ');
+}
+std::string dat(std::string_view dias) { return "DAT00010 " + std::string(6, ' ') + std::string(dias) + "00"; }
+
+std::vector<std::string> claves(const std::vector<std::string>& lineas) {
+  std::vector<std::string> r;
+  for (const auto& l : lineas) r.push_back(izquierda(l, 3) + (izquierda(l, 3) == "EDL" ? medio(l, 4, 7) : ""));
+  return r;
+}
+
+TEST(BloqueTrabajador, SinDiasElED1SeRetieneHastaElPrimerEDEEDAoEDM) {
+  EstadoBloques estado;
+  TotalesEmpresa t;
+  const auto sinDias = bloqueTrabajador({{"EDE", amount("EDLBA02000", "0000100")},
+                                         {"DAE", "DAT0DAE"},
+                                         {"ED3", amount("EDLBA10000", "0000200")},
+                                         {"ED2", amount("EDLBA02000", "0000300")},
+                                         {"ED1", amount("EDLBA01000", "0012345")},
+                                         {"DAT", dat("000")},
+                                         {"AYN", "AYN"},
+                                         {"TRA", "TRA"}},
+                                        estado, t);
+  EXPECT_EQ(claves(sinDias), (std::vector<std::string>{"TRA", "AYN", "EDLBA02000", "EDLBA10000", "DAT", "EDLBA01000",
+                                                       "EDLBA02000"}));
+  EXPECT_EQ(sinDias[4], "DAT0DAE");
+  EXPECT_DOUBLE_EQ(t.EDTBA01000, 123.45);
+  EXPECT_DOUBLE_EQ(t.EDTBA02000, 6.00);
+  EXPECT_EQ(t.trabajadores, 1);
+
+  // A held ED1 without EDE, EDA or EDM waits for a later worker's.
+  bloqueTrabajador({{"TRA", "TRA"}, {"DAT", dat("000")}, {"ED1", amount("EDLBA01000", "0000001")}}, estado, t);
+  const auto conDias = bloqueTrabajador({{"TRA", "TRA"},
+                                         {"DAT", dat("030")},
+                                         {"ED1", amount("EDLBA01000", "0000002")},
+                                         {"EDM", amount("EDLBA20000", "0000500")}},
+                                        estado, t);
+  EXPECT_EQ(claves(conDias),
+            (std::vector<std::string>{"TRA", "DAT", "EDLBA01000", "EDLBA01000", "EDLBA20000"}));
+  EXPECT_EQ(medio(conDias[2], 11, 7), "0000002");
+  EXPECT_EQ(medio(conDias[3], 11, 7), "0000001");
+  EXPECT_DOUBLE_EQ(t.EDTBA21000, 5.00);
+  EXPECT_DOUBLE_EQ(t.EDTBA22000, 5.00);
+  EXPECT_TRUE(estado.lineaRetenida.empty());
+}
+
+TEST(BloqueTrabajador, CadaLineaDeImporteAlimentaSuTotal) {
+  EstadoBloques estado;
+  TotalesEmpresa t;
+  auto ed = [](std::string clave, std::string centimos) {
+    return clave + "000" + centimos + " 0" + std::string(50, '0');
+  };
+  bloqueTrabajador({{"TRA", "TRA"},
+                    {"ED4", amount("EDLBA11000", "0000100")},
+                    {"ED5", ed("EDLCD01", "0000200")},
+                    {"ED6", ed("EDLCD03", "0000300")},
+                    {"ED7", ed("EDLCD07", "0000400")},
+                    {"ED8", ed("EDLCD06", "0000500")},
+                    {"ED9", ed("EDLCD16", "0000600")},
+                    {"EDD", ed("EDLCD10", "0000700")},
+                    {"EDO", ed("EDLCD11", "0000800")}},
+                   estado, t);
+  EXPECT_DOUBLE_EQ(t.ED4, 1);
+  EXPECT_DOUBLE_EQ(t.EDTCD01000, 2);
+  EXPECT_DOUBLE_EQ(t.EDTCD03000, 3);
+  EXPECT_DOUBLE_EQ(t.EDTCD07000, 4);
+  EXPECT_DOUBLE_EQ(t.EDTCD06000, 5);
+  EXPECT_DOUBLE_EQ(t.EDTCD16000, 6);
+  EXPECT_DOUBLE_EQ(t.EDTCD10000, 7);
+  EXPECT_DOUBLE_EQ(t.EDTCD11000, 8);
+  TotalesEmpresa u;
+  bloqueTrabajador({{"ED9", ed("EDLCD13", "0000100")}}, estado, u);
+  bloqueTrabajador({{"ED9", ed("EDLCD17", "0000200")}}, estado, u);
+  bloqueTrabajador({{"ED9", ed("EDLCD99", "0000300")}}, estado, u);
+  EXPECT_DOUBLE_EQ(u.EDTCD13000, 1);
+  EXPECT_DOUBLE_EQ(u.EDTCD17000, 2);
+  EXPECT_DOUBLE_EQ(u.EDTCD07000, 3);
+  EXPECT_EQ(u.trabajadores, 0);
+}
+
+TEST(TotalesEmpresa, LasLineasTCT00YEDTLlevanSusCamposEnSuOrden) {
+  EXPECT_EQ(lineaTCT00("45", 12),
+            "TCT00" "45 " "000012" "000000" + std::string(28, ' ') + "00000000" + std::string(14, ' '));
+  TotalesEmpresa t;
+  EXPECT_TRUE(lineasEDT(t).empty());
+  t.EDTBA01000 = 1234.56;
+  t.EDTCD10000 = 1;
+  t.EDTCD13000 = -12.34;
+  const auto lineas = lineasEDT(t);
+  ASSERT_EQ(lineas.size(), 3u);
+  EXPECT_EQ(lineas[0], "EDTBA01000" "00000123456" " " + std::string(19, '0') + std::string(29, ' '));
+  EXPECT_EQ(lineas[1], "EDTCD13000" + std::string(11, '0') + " " + std::string(8, '0') + "000000-1234" + " " +
+                           std::string(28, ' '));
+  EXPECT_EQ(lineas[2].substr(0, 10), "EDTCD10000");
+  EXPECT_DOUBLE_EQ(importeDeLinea(amount("EDLBA01000", "0012345")), 123.45);
+}
+
+// ---- The whole file ------------------------------------------------------------------------
+
+struct MotorGuionado : MotorCotizacion {
+  void COTVAL(Programa&, COTIZACION&) override { ++calculos; }
+  void TC1VAL(Programa& p, COTIZACION&, const std::string& empresa) override {
+    if (empresa == "28000000001") {
+      p.g.LINEASTC1[1] = "EDTCA01000 DE LA PRIMERA";
+      p.g.LINEASTC1[19] = "DBA  DE LA PRIMERA";
+    }
+  }
+  int calculos = 0;
+};
+
+struct Intercambio {
+  Intercambio() {
+    fs::create_directories(carpetas.programa);
+    fs::create_directories(carpetas.trabajo);
+    const auto ruta = carpetas.programa / "EMPRESAS.MDB";
+    Almacen::crea(ruta, esquemas::tablasEMPRESAS());
+    Almacen a;
+    a.abre(ruta);
+    a.ejecuta("INSERT INTO ESA (A1, A2, A8, EB12, EB14) VALUES (?, ?, ?, ?, ?)",
+              {"28000000001", "PRIMERA, S.L.", "B12345678", "", "45"});
+    a.ejecuta("INSERT INTO ESA (A1, A2, A8, EB12, EB14) VALUES (?, ?, ?, ?, ?)",
+              {"28000000002", "SEGUNDA", "12345678Z", "6", "7"});
+    FicheroAjustes f(carpetas.trabajo);
+    f.escribe({"123", "SILCON01", "C:\\WINSUITE\\WINSUITE.EXE", ""});
+    programa.entornoWine = {c / "wine"};
+    programa.arranca();
+    programa.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
+    pagina.marcaCotizacion();
+    pagina.Label10 = "FAN";
+    pagina.Label12 = "20261115";
+    pagina.Label13 = "0730";
+    pagina.Text8 = "PRUEBA01";
+    programa.g.LINEAETI = LINEAETI(pagina, {"123", "SILCON01", "", ""});
+    sel.eligeMes(2);
+    sel.eligeAno(2002 - 1901);
+    sel.grid = {{"PRIMERA", true, "28000000001", "", "", 0},
+                {"CERO", true, "0", "", "", 0},
+                {"SEGUNDA", true, "28000000002", "", "", 0},
+                {"SIN MARCA", false, "28000000003", "", "", 0}};
+  }
+  void linea(const std::string& emp, const std::string& tra, const std::string& tipo, const std::string& texto) {
+    programa.almacenes.temporal.ejecuta("INSERT INTO TMPVALDOR VALUES (?, ?, ?, ?)", {emp, tra, tipo, texto});
+  }
+  std::vector<std::string> lineas() const {
+    const std::string bytes = pruebas::leeBytes(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/PRUEBA01.FAN");
+    std::vector<std::string> r;
+    for (std::size_t p = 0; p < bytes.size();) {
+      const std::size_t fin = bytes.find("\r\n", p);
+      r.push_back(bytes.substr(p, fin - p));
+      p = fin + 2;
+    }
+    return r;
+  }
+  CarpetaTemporal c;
+  Carpetas carpetas{c / "programa", c / "trabajo"};
+  DialogosGrabador dialogos;
+  Programa programa{carpetas, dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0}};
+  PaginaIntercambio pagina;
+  COTIZACION sel;
+  MotorGuionado motor;
+};
+
+TEST(FicheroFAN, LasLineasDeCadaEmpresaSalenEnSuOrdenYElPieCuentaElFichero) {
+  Intercambio x;
+  x.linea("28000000001", "00002", "TRA", "TRA DEL DOS");
+  x.linea("28000000001", "00002", "AYN", "AYN DEL DOS");
+  x.linea("28000000001", "00001", "TRA", "TRA DEL UNO");
+  x.linea("28000000001", "00001", "ED2", amount("EDLBA02000", "0123456"));
+  x.linea("28000000001", "     ", "TRA", "TRA EN BLANCO");  // passed over
+  x.linea("28000000009", "00001", "TRA", "TRA DE OTRA");    // not in the run
+  x.linea("28000000002", "00001", "AYN", "AYN SIN TRA");    // no TRA: no worker
+
+  const auto ruta = comando(x.programa, x.pagina, x.sel, x.motor);
+  ASSERT_TRUE(ruta) << (x.dialogos.mensajes.empty() ? "" : x.dialogos.mensajes[0].texto);
+  EXPECT_EQ(*ruta, "C:\\WINSUITE\\VIPTC2\\FAN\\PRUEBA01.FAN");
+  EXPECT_EQ(x.motor.calculos, 1);
+  const auto l = x.lineas();
+  ASSERT_EQ(l.size(), 16u);
+  EXPECT_EQ(l[0], x.programa.g.LINEAETI);
+  EXPECT_EQ(l[1].substr(0, 18), "EMP011128000000001");
+  EXPECT_EQ(l[1].substr(53, 8), "20020303");
+  EXPECT_EQ(l[2].substr(0, 18), "RZS02PRIMERA, S.L.");
+  EXPECT_EQ(l[3], "TRA DEL UNO");
+  EXPECT_EQ(medio(l[4], 1, 17), "EDLBA020000123456");
+  EXPECT_EQ(l[5], "TRA DEL DOS");
+  EXPECT_EQ(l[6], "AYN DEL DOS");
+  EXPECT_EQ(l[7].substr(0, 14), "TCT0045 000002");
+  EXPECT_EQ(l[8], "EDTBA02000" "00000123456" " " + std::string(19, '0') + std::string(29, ' '));
+  EXPECT_EQ(l[9], "EDTCA01000 DE LA PRIMERA");
+  EXPECT_EQ(l[10], "DBA  DE LA PRIMERA");
+  EXPECT_EQ(l[11].substr(0, 7), "EMP0132");  // the second company: no workers, no amounts
+  EXPECT_EQ(l[13].substr(0, 14), "TCT007  000000");
+  // Entry 19 is not cleared between companies: printed again; entry 1 was.
+  EXPECT_EQ(l[14].substr(0, 3), "DBA");
+  // Before the trailer stand 753 bytes (several short lines): 753 / 72 rounds to 10, and
+  // the trailer counts itself.
+  EXPECT_EQ(l[15], "ETF" "TC220VIP28" "123" "SILCON01" "20261115" "0730" "PRUEBA01" "FAN" "N" " " "00002" "00000011"
+                   "   ");
+  EXPECT_EQ(x.sel.CUENTAEMPRESAS, 2);
+}
+
+TEST(FicheroFAN, ElPieRepiteElIntercambioYCuentaLasLineasPorLaLongitud) {
+  PaginaIntercambio p;
+  p.marcaCotizacion();
+  p.Label10 = "FAN";
+  p.Label12 = "20261115";
+  p.Label13 = "0730";
+  p.Text8 = "F1511260";
+  p.ponModo(Modo::Pruebas);
+  // The ETI line and two companies of five lines each: 11 lines of 72 bytes.
+  const std::string pie = lineaPieFAN(p, {"123     ", "ABCDEFGH", "", ""}, 2, 11 * 72);
+  EXPECT_EQ(pie, "ETF" "TC220VIP28" "123" "ABCDEFGH" "20261115" "0730" "F1511260" "FAN" "N" "P" "00002" "00000012"
+                 "   ");
+  // Short lines make the length no multiple of 72: the count is rounded, ties to even;
+  // keys that could not be read leave the later fields shifted.
+  EXPECT_EQ(lineaPieFAN(p, {}, 0, 108).substr(36), "NP0000000000003   ");  // 1.5 -> 2
+  EXPECT_EQ(lineaPieFAN(p, {}, 0, 180).substr(36), "NP0000000000003   ");  // 2.5 -> 2
+  EXPECT_EQ(lineaPieFAN(p, {}, 0, 252).substr(36), "NP0000000000005   ");  // 3.5 -> 4
+  p.marcaAfiliacion();
+  EXPECT_EQ(lineaPieFAN(p, {}, 0, 0).substr(3, 10), "AFI10AFI23");
+}
+
+TEST(FicheroFAN, SinRutaOSinCarpetaNoQuedaFicheroYSeDiceElPorQue) {
+  Intercambio x;
+  x.programa.g.RUTAWS = std::string(150, ' ');
+  EXPECT_FALSE(comando(x.programa, x.pagina, x.sel, x.motor));
+  ASSERT_FALSE(x.dialogos.mensajes.empty());
+  EXPECT_EQ(x.dialogos.mensajes.back().titulo, "RUTA NO VALIDA PARA WINSUITE");
+
+  // The folder cannot be made (a file stands in its place): nothing is left behind.
+  x.programa.g.RUTAWS = "C:\\WINSUITE\\WINSUITE.EXE";
+  fs::create_directories(x.c / "wine/drive_c/WINSUITE");
+  pruebas::escribeBytes(x.c / "wine/drive_c/WINSUITE/VIPTC2", "no soy una carpeta");
+  EXPECT_FALSE(comando(x.programa, x.pagina, x.sel, x.motor));
+  EXPECT_EQ(x.dialogos.mensajes.back().icono, Icono::Critico);
+  EXPECT_NE(x.dialogos.mensajes.back().texto.find("PRUEBA01.FAN"), std::string::npos);
+}
+
+TEST(FicheroFAN, UnFicheroSinConfirmarNoDejaNadaConSuNombre) {
+  CarpetaTemporal c;
+  {
+    FicheroRegistros f(c / "sub" / "X.FAN");
+    f.imprime("ETI");
+    EXPECT_EQ(f.longitud(), 5u);
+  }
+  EXPECT_TRUE(fs::is_empty(c / "sub"));
+  {
+    FicheroRegistros f(c / "sub" / "X.FAN");
+    f.imprime("ETI");
+    f.confirma();
+  }
+  EXPECT_EQ(pruebas::leeBytes(c / "sub" / "X.FAN"), "ETI\r\n");
+}
+
+// ---- The selection -----------------------------------------------------------------------------
+
+TEST(Seleccion, LasListasSusValoresPorDefectoYLasMarcas) {
+  EXPECT_EQ(COTIZACION::meses().front(), "01");
+  EXPECT_EQ(COTIZACION::anos().front(), " 1901");
+  EXPECT_EQ(COTIZACION::anos().back(), " 2100");
+  EXPECT_EQ(COTIZACION::clases().size(), 21u);
+  EXPECT_EQ(COTIZACION::calificadores().size(), 9u);
+
+  CarpetaTemporal c;
+  Carpetas carpetas{c / "p", c / "t"};
+  fs::create_directories(carpetas.programa);
+  fs::create_directories(carpetas.trabajo);
+  DialogosGrabador d;
+  Programa enero(carpetas, d, Separadores{}, Momento{2027, 1, 10, 9, 0, 0});
+  PaginaIntercambio pagina;
+  COTIZACION sel;
+  cargaCOTIZACION(enero, pagina, sel);
+  EXPECT_EQ(sel.mesDelPeriodo(), 12);
+  EXPECT_EQ(sel.anoDelPeriodo(), 2026);
+  EXPECT_EQ(sel.codigoClase(), "L00");
+  EXPECT_EQ(sel.codigoCalificador(), "00");
+  EXPECT_EQ(pagina.Label3, textoAyudaSeleccion());
+
+  sel.grid = {{"A", false, "28000000001", "", "", 1}, {"B", false, "B2800", "", "", 1}};
+  d.mensajes.clear();
+  EXPECT_FALSE(puedeProcesar(enero, sel));
+  ASSERT_EQ(d.mensajes.size(), 1u);
+  EXPECT_EQ(d.mensajes[0].titulo, "Valdor Plus");
+  EXPECT_EQ(d.mensajes[0].texto, textoSinEmpresas());
+  marcaTodas(sel, true);
+  EXPECT_TRUE(sel.grid[0].marcada);
+  EXPECT_FALSE(sel.grid[1].marcada);  // a code with a letter in front reads 0
+  EXPECT_TRUE(puedeProcesar(enero, sel));
+  EXPECT_FALSE(sel.alfabeticaActiva);
+  cancelaCOTIZACION(enero);
+  EXPECT_EQ(enero.g.CANCELADO, 1);
+}
+
+}  // namespace
+}  // namespace valdor
