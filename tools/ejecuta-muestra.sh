@@ -10,9 +10,19 @@ cli="$raiz/build/valdor-cli"
 oficina="$raiz/build/oficina"
 rm -rf "$oficina"
 valdor() { "$cli" --programa "$oficina/programa" --trabajo "$oficina/trabajo" "$@"; }
+# The transmission tool's drive C: of the sample, instead of the user's own Wine prefix.
+export WINEPREFIX="$oficina/wine"
 
 valdor muestra
 echo
 valdor ajustes
 echo
 valdor empresas
+echo
+fichero=$(valdor fan | tail -n 1)
+echo "Fichero de cotización: $fichero"
+# Each line of the exchange file is a record of 70 characters ended by CR LF, in
+# the DOS code page for the accented letters of names: shown here in UTF-8 with its
+# number and its length.
+paste -d'|' <(tr -d '\r' < "$fichero" | LC_ALL=C awk '{ printf "%4d %3d \n", NR, length($0) }') \
+             <(iconv -f CP850 -t UTF-8 "$fichero" | tr -d '\r') /dev/null
