@@ -34,6 +34,10 @@ constexpr std::string_view USO = R"(Uso: valdor-cli [--programa DIR] [--trabajo 
            [--dev-cta] [--lanzar]
            escribe el fichero de cotización .FAN; sin --empresas, todas las del mes;
            la última línea es la ruta del fichero
+  afi      [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
+           [--clave V] [--nueva-clave V] [--borrar-pendientes]
+           escribe el fichero de afiliación .AFI de los trabajadores pendientes; con
+           --borrar-pendientes vacía después la tabla de pendientes
 
 La carpeta del programa es la del ejecutable, salvo --programa o VALDOR_PROGRAMA.
 La carpeta de trabajo es la actual; --trabajo cambia a ella antes de empezar.
@@ -111,6 +115,7 @@ int ejecuta(const Llamada& llamada) {
   if (llamada.orden == "ajustes") return ordenAjustes(llamada);
   if (llamada.orden == "empresas") return ordenEmpresas(llamada);
   if (llamada.orden == "fan") return ordenFan(llamada);
+  if (llamada.orden == "afi") return ordenAfi(llamada);
   throw ErrorLlamada("Orden desconocida: " + utf8ACp1252(llamada.orden) + ".");
 }
 

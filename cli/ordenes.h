@@ -58,5 +58,6 @@ int ordenMuestra(const Llamada& llamada);
 int ordenAjustes(const Llamada& llamada);
 int ordenEmpresas(const Llamada& llamada);
 int ordenFan(const Llamada& llamada);
+int ordenAfi(const Llamada& llamada);
 
 }  // namespace valdor::cli

@@ -4,6 +4,8 @@
 #include <charconv>
 #include <chrono>
 
+#include "stores/texto.h"
+
 namespace valdor {
 
 namespace {
@@ -108,5 +110,7 @@ std::string dmaAISO(std::string_view dma) {
   const auto f = leeFechaDMA(dma);
   return f ? textoISO(*f) : std::string(dma);
 }
+
+std::string amdPorPosiciones(std::string_view dma) { return medio(dma, 7, 4) + medio(dma, 4, 2) + medio(dma, 1, 2); }
 
 }  // namespace valdor

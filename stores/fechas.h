@@ -44,4 +44,9 @@ int diferenciaDias(const Fecha& desde, const Fecha& hasta);
 std::string isoADMA(std::string_view iso);
 std::string dmaAISO(std::string_view dma);
 
+// "dd/mm/yyyy" written "yyyymmdd" by taking its characters by position (7 to 10, 4 and 5,
+// 1 and 2), as the exchange lines do: whatever stands there is taken, and a short or
+// empty text gives a short or empty result.
+std::string amdPorPosiciones(std::string_view dma);
+
 }  // namespace valdor

@@ -167,5 +167,26 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   EXPECT_EQ(valdor(c, {"fan", "--nombre", "NUEVENUEV"}).estado, 2);
 }
 
+TEST(Cli, AfiEscribeElFicheroDeLosPendientesYSoloBorraLaTablaSiSeLePide) {
+  CarpetaTemporal c;
+  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
+  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
+  const std::string pendientes = pruebas::leeBytes(c / "trabajo" / "ACUVALDOR.MDB");
+  auto r = valdor(c, {"--ahora", "2026-11-15 07:30", "afi", "--clave", "K1", "--nueva-clave", "K2"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  const fs::path fichero = c / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI";
+  EXPECT_TRUE(r.salida.ends_with(fichero.string() + "\n")) << r.salida;
+  const std::string bytes = pruebas::leeBytes(fichero);
+  EXPECT_EQ(bytes.substr(0, 13), "ETIAFI31WS342");
+  EXPECT_EQ(bytes.substr(72, 19), "SIL" "K1      " "K2      ");
+  EXPECT_EQ(pruebas::leeBytes(c / "trabajo" / "ACUVALDOR.MDB"), pendientes);
+
+  r = valdor(c, {"afi", "--nombre", "segundo", "--borrar-pendientes"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  r = valdor(c, {"afi", "--nombre", "tercero"});
+  EXPECT_EQ(r.estado, 1);  // nothing pending any more
+  EXPECT_FALSE(fs::exists(c / "wine/drive_c/WINSUITE/VIPTC2/AFI/TERCERO0.AFI"));
+}
+
 }  // namespace
 }  // namespace valdor

@@ -1,9 +1,10 @@
-// valdor-cli fan: the whole contribution exchange, as the wizard and the selection run it.
+// valdor-cli fan and afi: the two exchanges, as the wizard and its forms run them.
 
 #include <iostream>
 
 #include "cli/consola.h"
 #include "cli/ordenes.h"
+#include "afiliacion/afiliacion.h"
 #include "fan/comando.h"
 #include "fan/seleccion.h"
 #include "shell/asistente.h"
@@ -92,11 +93,51 @@ struct FormulariosDeConsola : FormulariosIntercambio {
   std::optional<std::string> resultado;
 };
 
+// The end of an exchange: its Windows path, then the native one as the last line.
+int informaFichero(Programa& programa, const std::optional<std::string>& fichero, const DialogosConsola& dialogos) {
+  if (!fichero) return SALIDAFALLO;
+  escribeLinea(std::cout, "Fichero de intercambio: " + *fichero);
+  escribeLinea(std::cout, utf8ACp1252(rutaNativa(*fichero, programa.entornoWine).string()));
+  return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+}
+
 Modo modoDe(const std::string& texto) {
   if (texto == "normal") return Modo::Normal;
   if (texto == "pruebas") return Modo::Pruebas;
   if (texto == "sustitucion" || texto == "sustitución") return Modo::Sustitucion;
   throw ErrorLlamada("--modo espera normal, pruebas o sustitucion: " + texto + ".");
+}
+
+// The wizard's page from the options: the start, the page prepared for the message, and
+// the name, mode, replaced send and AFI keys typed into their boxes.
+void preparaPaginaDeOpciones(const Opciones& o, Programa& programa, PaginaIntercambio& pagina, bool cotizacion) {
+  programa.arranca();
+  cargaAsistente(programa, pagina, nullptr);
+  pagina.SSPanel2Visible = true;
+  if (cotizacion) {
+    pagina.marcaCotizacion();
+  } else {
+    pagina.marcaAfiliacion();
+  }
+  preparaPagina(programa, pagina, cotizacion);
+  if (const auto n = o.texto("--nombre")) {
+    if (recorta(*n).empty()) throw ErrorLlamada(std::string(textoNombreNoValido()));
+    pagina.Text8 = reglaNombre(caja(*n, ANCHONOMBREFICHERO, "--nombre"));
+  }
+  if (const auto m = o.texto("--modo")) pagina.ponModo(modoDe(*m));
+  if (const auto s = o.texto("--sustituye")) {
+    if (!o.tiene("--modo")) pagina.ponModo(Modo::Sustitucion);
+    if (pagina.modo != Modo::Sustitucion) throw ErrorLlamada("--sustituye va con --modo sustitucion.");
+    const auto partes = trocea(*s, ',');
+    if (partes.size() != 5) throw ErrorLlamada("--sustituye espera AA,MM,S,EEEEE,DDDD.");
+    pagina.Text3 = caja(partes[0], 2, std::string("El año del envío sustituido"_cp));
+    pagina.Text4 = caja(partes[1], 2, std::string("El mes del envío sustituido"_cp));
+    pagina.Text5 = caja(partes[2], 1, std::string("La serie del envío sustituido"_cp));
+    pagina.Text6 = caja(partes[3], 5, std::string("El número de envío sustituido"_cp));
+    pagina.Text7 = caja(partes[4], 4, std::string("El documento sustituido"_cp));
+  }
+  if (const auto c = o.texto("--clave")) pagina.Text10 = caja(*c, ANCHOCLAVEAFI, "--clave");
+  if (const auto c = o.texto("--nueva-clave")) pagina.Text11 = caja(*c, ANCHOCLAVEAFI, "--nueva-clave");
 }
 
 }  // namespace
@@ -128,27 +169,7 @@ int ordenFan(const Llamada& llamada) {
       if (!recorta(codigo).empty()) formularios.empresas.push_back(recorta(codigo));
   formularios.devEnCta = o.tiene("--dev-cta");
 
-  programa.arranca();
-  cargaAsistente(programa, pagina, nullptr);
-  pagina.SSPanel2Visible = true;
-  pagina.marcaCotizacion();
-  preparaPagina(programa, pagina, true);
-  if (const auto n = o.texto("--nombre")) {
-    if (recorta(*n).empty()) throw ErrorLlamada(std::string(textoNombreNoValido()));
-    pagina.Text8 = reglaNombre(caja(*n, ANCHONOMBREFICHERO, "--nombre"));
-  }
-  if (const auto m = o.texto("--modo")) pagina.ponModo(modoDe(*m));
-  if (const auto s = o.texto("--sustituye")) {
-    if (!o.tiene("--modo")) pagina.ponModo(Modo::Sustitucion);
-    if (pagina.modo != Modo::Sustitucion) throw ErrorLlamada("--sustituye va con --modo sustitucion.");
-    const auto partes = trocea(*s, ',');
-    if (partes.size() != 5) throw ErrorLlamada("--sustituye espera AA,MM,S,EEEEE,DDDD.");
-    pagina.Text3 = caja(partes[0], 2, "El año del envío sustituido");
-    pagina.Text4 = caja(partes[1], 2, "El mes del envío sustituido");
-    pagina.Text5 = caja(partes[2], 1, "La serie del envío sustituido");
-    pagina.Text6 = caja(partes[3], 5, "El número de envío sustituido");
-    pagina.Text7 = caja(partes[4], 4, "El documento sustituido");
-  }
+  preparaPaginaDeOpciones(o, programa, pagina, true);
 
   SinLanzar sinLanzar;
   LanzadorDelSistema delSistema;
@@ -156,10 +177,46 @@ int ordenFan(const Llamada& llamada) {
   Command3(programa, pagina, formularios, lanzador, programa.entornoWine);
   programa.termina();
 
-  if (!formularios.resultado) return SALIDAFALLO;
-  escribeLinea(std::cout, "Fichero de intercambio: " + *formularios.resultado);
-  escribeLinea(std::cout, utf8ACp1252(rutaNativa(*formularios.resultado, programa.entornoWine).string()));
-  return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+  return informaFichero(programa, formularios.resultado, dialogos);
+}
+
+namespace {
+
+// The affiliation module, run from the options instead of the screen.
+struct FormulariosAfiliacion : FormulariosIntercambio {
+  FormulariosAfiliacion(Programa& p, PaginaIntercambio& pg, bool b) : programa(p), pagina(pg), borrar(b) {}
+  void COTIZACION() override {}
+  void AFILIA() override {
+    valdor::AFILIA afi;
+    cargaAFILIA(programa, pagina, afi);
+    if (!afi.generarActivo) {
+      programa.dialogos().mensaje(tituloAFILIA(), "No hay trabajadores pendientes de afiliación."_cp, Icono::Critico);
+      return;
+    }
+    resultado = ESCRIBEFICHERO(programa, pagina, afi, *this);
+    if (resultado && borrar) BORRAMETODOSREG(programa);
+  }
+  void EDITOR() override {}
+  Programa& programa;
+  PaginaIntercambio& pagina;
+  bool borrar;
+  std::optional<std::string> resultado;
+};
+
+}  // namespace
+
+int ordenAfi(const Llamada& llamada) {
+  const Opciones o(llamada.argumentos, {"--nombre", "--modo", "--sustituye", "--clave", "--nueva-clave"},
+                   {"--borrar-pendientes"});
+  DialogosConsola dialogos;
+  Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
+  PaginaIntercambio pagina;
+  FormulariosAfiliacion formularios(programa, pagina, o.tiene("--borrar-pendientes"));
+  preparaPaginaDeOpciones(o, programa, pagina, false);
+  SinLanzar sinLanzar;
+  Command3(programa, pagina, formularios, sinLanzar, programa.entornoWine);
+  programa.termina();
+  return informaFichero(programa, formularios.resultado, dialogos);
 }
 
 }  // namespace valdor::cli
