@@ -133,10 +133,7 @@ int main(int argc, char** argv) {
     escribeLinea(std::cerr, e.what());
     escribe(std::cerr, USO);
     return SALIDALLAMADA;
-  } catch (const ErrorTrabajo& e) {
-    escribeLinea(std::cerr, e.what());
-    return SALIDAFALLO;
-  } catch (const ErrorAlmacen& e) {
+  } catch (const ErrorValdor& e) {
     escribeLinea(std::cerr, e.what());
     return SALIDAFALLO;
   } catch (const std::exception& e) {

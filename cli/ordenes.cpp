@@ -84,12 +84,7 @@ int ordenMuestra(const Llamada& llamada) {
   opciones.empresas = o.entero("--empresas", 1, 99999).value_or(0);
   opciones.trabajadores = o.entero("--trabajadores", 1, 99999).value_or(0);
 
-  ResumenMuestra resumen;
-  try {
-    resumen = escribeOficinaMuestra(llamada.carpetas, opciones);
-  } catch (const ErrorMuestra& e) {
-    throw ErrorTrabajo(e.what());
-  }
+  const ResumenMuestra resumen = escribeOficinaMuestra(llamada.carpetas, opciones);
   escribeLinea(std::cout, "Oficina de muestra de " + dosCifras(opciones.mes) + "/" + std::to_string(opciones.ano) +
                               ": " + std::to_string(resumen.empresas) + " empresas, " +
                               std::to_string(resumen.trabajadores) + " trabajadores.");
@@ -135,7 +130,7 @@ int ordenAjustes(const Llamada& llamada) {
 
   const bool guarda = o.tiene("--clave-autorizacion") || o.tiene("--clave-silcon") ||
                       o.tiene("--fecha-autorizacion") || o.tiene("--ruta-winsuite");
-  try {
+  {
     if (const auto nombre = o.texto("--emisor")) {
       if (nombre->size() > ANCHOEMISOR)
         throw ErrorLlamada("--emisor admite " + std::to_string(ANCHOEMISOR) + std::string(" caracteres como máximo."_cp));
@@ -152,8 +147,6 @@ int ordenAjustes(const Llamada& llamada) {
       ponFila(filas[4], o.texto("--ruta-winsuite"), "--ruta-winsuite");
       guardaConfiguracion(fichero, filas);
     }
-  } catch (const ErrorAjustes& e) {
-    throw ErrorTrabajo(e.what());
   }
 
   REGINTERCAMBIO registro = registroEnBlanco();

@@ -2,6 +2,8 @@
 //   valdor-cli [--programa DIR] [--trabajo DIR] [--ahora "AAAA-MM-DD HH:MM"] ORDEN [opciones]
 #pragma once
 
+#include "stores/error.h"
+
 #include <filesystem>
 #include <map>
 #include <optional>
@@ -20,15 +22,15 @@ inline constexpr int SALIDAFALLO = 1;
 inline constexpr int SALIDALLAMADA = 2;
 
 // A wrong call: its message (Windows-1252) goes to standard error with the usage.
-class ErrorLlamada : public std::runtime_error {
+class ErrorLlamada : public ErrorValdor {
  public:
-  using std::runtime_error::runtime_error;
+  using ErrorValdor::ErrorValdor;
 };
 
 // A failed job: its message (Windows-1252) goes to standard error.
-class ErrorTrabajo : public std::runtime_error {
+class ErrorTrabajo : public ErrorValdor {
  public:
-  using std::runtime_error::runtime_error;
+  using ErrorValdor::ErrorValdor;
 };
 
 // The options of an order: "--nombre valor" pairs and "--bandera" flags.

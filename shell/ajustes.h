@@ -3,6 +3,8 @@
 // sender's name EMISORNOMBRE, kept in a small file of our own beside it.
 #pragma once
 
+#include "stores/error.h"
+
 #include <array>
 #include <cstdint>
 #include <filesystem>
@@ -40,9 +42,9 @@ void desdeBytes(std::string_view bytes, REGINTERCAMBIO& reg);
 
 // A failure that the user must hear of: a full disk, a folder that cannot be written.
 // Its message is Windows-1252 text that names the file.
-class ErrorAjustes : public std::runtime_error {
+class ErrorAjustes : public ErrorValdor {
  public:
-  using std::runtime_error::runtime_error;
+  using ErrorValdor::ErrorValdor;
 };
 
 // The open settings file: open creates it when missing (then it is empty until the

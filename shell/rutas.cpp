@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <cstdlib>
+#include <optional>
 #include <system_error>
 
 #include "stores/ficheros.h"
@@ -86,6 +87,23 @@ void LanzadorDelSistema::lanza(const std::vector<std::string>& orden) {
   }
   int estado = 0;
   ::waitpid(hijo, &estado, 0);
+}
+
+std::string rutaWindows(const std::filesystem::path& nativa, const EntornoWine& entorno) {
+  auto dentro = [&](const fs::path& base, std::string unidad) -> std::optional<std::string> {
+    const fs::path relativa = nativa.lexically_normal().lexically_relative(base.lexically_normal());
+    if (relativa.empty() || *relativa.begin() == "..") return std::nullopt;
+    for (const auto& parte : relativa) unidad += "\\" + parte.string();
+    return unidad;
+  };
+  if (auto r = dentro(entorno.prefijo / "drive_c", "C:")) return utf8ACp1252(*r);
+  std::error_code ec;
+  for (const auto& unidad : fs::directory_iterator(entorno.prefijo / "dosdevices", ec)) {
+    const std::string nombre = unidad.path().filename().string();
+    if (nombre.size() != 2 || nombre[1] != ':') continue;
+    if (auto r = dentro(unidad.path(), mayusculasAscii(nombre))) return utf8ACp1252(*r);
+  }
+  return utf8ACp1252(nativa.string());
 }
 
 }  // namespace valdor

@@ -23,6 +23,11 @@ EntornoWine entornoWineDelSistema();
 // under its exact name is looked for ignoring case.
 std::filesystem::path rutaNativa(std::string_view rutaWindows, const EntornoWine& entorno);
 
+// The Windows form of a native path, the reverse of `rutaNativa`: a path inside the
+// prefix's drive_c or one of its dosdevices drives becomes "X:\..."; any other path is
+// kept as it is. Windows-1252 text, as the settings keep it.
+std::string rutaWindows(const std::filesystem::path& nativa, const EntornoWine& entorno);
+
 // The command that starts a program the rules name: a Windows ".EXE" runs through
 // "wine" with its native path; anything else runs as it stands. Arguments follow.
 std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,

@@ -4,6 +4,8 @@
 // end mark. The statement run reads the rates of the year from it.
 #pragma once
 
+#include "stores/error.h"
+
 #include <array>
 #include <cstddef>
 #include <filesystem>
@@ -22,9 +24,9 @@ inline constexpr std::size_t REGISTROSTIPOSMINIMOS = 32;
 
 // A rate file that cannot be written, or a value that does not fit a field. The message
 // is Windows-1252 text that names the file.
-class ErrorFicheroTipos : public std::runtime_error {
+class ErrorFicheroTipos : public ErrorValdor {
  public:
-  using std::runtime_error::runtime_error;
+  using ErrorValdor::ErrorValdor;
 };
 
 // The name of the rate file of a year: "N-SS", the year in four digits, the employer's

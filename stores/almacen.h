@@ -9,6 +9,8 @@
 // the project's own collation ESPANOL, registered on every connection.
 #pragma once
 
+#include "stores/error.h"
+
 #include <chrono>
 #include <cstdint>
 #include <filesystem>
@@ -82,7 +84,7 @@ struct DefTabla {
 // ---- Errors -----------------------------------------------------------------------
 
 // Every failure of a store, with a Spanish message (Windows-1252) that names the file.
-class ErrorAlmacen : public std::runtime_error {
+class ErrorAlmacen : public ErrorValdor {
  public:
   enum class Tipo {
     Bloqueo,     // another user holds the file
@@ -93,7 +95,7 @@ class ErrorAlmacen : public std::runtime_error {
     Dato,        // a value that does not fit its column
     Otro
   };
-  ErrorAlmacen(Tipo tipo, const std::string& mensaje) : std::runtime_error(mensaje), tipo_(tipo) {}
+  ErrorAlmacen(Tipo tipo, const std::string& mensaje) : ErrorValdor(mensaje), tipo_(tipo) {}
   Tipo tipo() const { return tipo_; }
 
  private:

@@ -3,6 +3,8 @@
 // file by a complete new one, so that a failure (a full disk) never leaves half a file.
 #pragma once
 
+#include "stores/error.h"
+
 #include <sys/types.h>
 
 #include <cstdint>
@@ -69,9 +71,9 @@ class FicheroRegistros {
 };
 
 // A file that could not be written, with a Spanish message naming it.
-class ErrorFichero : public std::runtime_error {
+class ErrorFichero : public ErrorValdor {
  public:
-  using std::runtime_error::runtime_error;
+  using ErrorValdor::ErrorValdor;
 };
 
 }  // namespace valdor

@@ -4,6 +4,8 @@
 // number of companies and workers it writes a large generated office for benchmarks.
 #pragma once
 
+#include "stores/error.h"
+
 #include <filesystem>
 #include <stdexcept>
 #include <vector>
@@ -29,9 +31,9 @@ struct ResumenMuestra {
 
 // A sample office that cannot be written: a file already there, wrong options, a
 // folder or file that cannot be made. The message is Windows-1252 text naming the file.
-class ErrorMuestra : public std::runtime_error {
+class ErrorMuestra : public ErrorValdor {
  public:
-  using std::runtime_error::runtime_error;
+  using ErrorValdor::ErrorValdor;
 };
 
 // Writes the sample office of month `mes` of year `ano`: into the program folder the six

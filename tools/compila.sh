@@ -1,5 +1,5 @@
 #!/usr/bin/env bash
-# Configures and builds VALDOR+ in build/ (the core, the command line and the tests).
+# Configures and builds VALDOR+ in build/ (the core, the command line, the desktop program and the tests).
 set -euo pipefail
 raiz=$(cd "$(dirname "$0")/.." && pwd)
 cmake -S "$raiz" -B "$raiz/build" -DCMAKE_BUILD_TYPE=RelWithDebInfo >/dev/null

@@ -1,0 +1,45 @@
+// The desktop's answer to the rules' questions and messages: message boxes with the
+// system's titles and texts, the input box, the wait pointer, and the progress of a
+// long run, which the main window shows in its status bar and in the wizard.
+#pragma once
+
+#include <QObject>
+#include <QPointer>
+#include <QString>
+#include <QWidget>
+
+#include <exception>
+
+#include "shell/dialogos.h"
+
+namespace valdor::formularios {
+
+class DialogosQt : public QObject, public Dialogos {
+  Q_OBJECT
+
+ public:
+  // The window the boxes belong to when no window of the program is active.
+  void ponVentana(QWidget* ventana) { ventana_ = ventana; }
+
+  void mensaje(std::string_view titulo, std::string_view texto, Icono icono) override;
+  bool pregunta(std::string_view titulo, std::string_view texto, bool noPorDefecto = false) override;
+  std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override;
+  void progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) override;
+  void puntero(Puntero p) override;
+
+ signals:
+  void progresoCambiado(int porcentaje, const QString& etiqueta1, const QString& etiqueta2);
+
+ private:
+  QWidget* padre() const;
+
+  QPointer<QWidget> ventana_;
+  bool punteroPuesto_ = false;
+};
+
+// A failure that reached a form: the Spanish message of the core's own errors, or the
+// text of any other, in a critical box titled as the program's boxes. The pointer goes
+// back to normal first.
+void avisaError(Dialogos& dialogos, const std::exception& error);
+
+}  // namespace valdor::formularios

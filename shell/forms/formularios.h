@@ -1,0 +1,41 @@
+// The modal forms that "&Aceptar" hands over to: the company selection COTIZACION, the
+// affiliation module AFILIA and the exchange file editor EDITOR. Each form arrives
+// with its own subsystem; until then its method says so and lets fan2 end cleanly.
+#pragma once
+
+#include <QPointer>
+#include <QWidget>
+#include <functional>
+#include <memory>
+
+#include "shell/asistente.h"
+
+namespace valdor {
+class Programa;
+}
+
+namespace valdor::formularios {
+
+class FormulariosQt : public FormulariosIntercambio {
+ public:
+  // `pagina` is the wizard's page, which the forms read while they are shown; `padre`
+  // the wizard, the owner of the modal forms.
+  FormulariosQt(Programa& programa, PaginaIntercambio& pagina, QWidget* padre);
+
+  void COTIZACION() override;
+  void AFILIA() override;
+  void EDITOR() override;
+
+ private:
+  Programa& programa_;
+  PaginaIntercambio& pagina_;
+  QPointer<QWidget> padre_;
+};
+
+// How the wizard obtains its forms: the desktop's, or a test's stand-ins.
+using FabricaFormularios =
+    std::function<std::unique_ptr<FormulariosIntercambio>(Programa&, PaginaIntercambio&, QWidget* padre)>;
+
+FabricaFormularios fabricaFormulariosQt();
+
+}  // namespace valdor::formularios

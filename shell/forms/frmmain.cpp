@@ -1,0 +1,225 @@
+#include "shell/forms/frmmain.h"
+
+#include <QAction>
+#include <QCloseEvent>
+#include <QDate>
+#include <QDockWidget>
+#include <QLabel>
+#include <QMdiArea>
+#include <QMdiSubWindow>
+#include <QMenuBar>
+#include <QProgressBar>
+#include <QStatusBar>
+#include <QStyle>
+#include <QToolBar>
+#include <QToolButton>
+#include <exception>
+
+#include "shell/forms/barralista.h"
+#include "shell/forms/dialogos_qt.h"
+#include "shell/forms/pxvaldor32.h"
+#include "shell/forms/texto_qt.h"
+#include "shell/programa.h"
+#include "stores/literales.h"
+
+namespace valdor::formularios {
+
+namespace {
+
+QString q(std::string_view cp1252) { return aQString(cp1252); }
+
+}  // namespace
+
+frmMain::frmMain(Programa& programa, Lanzador& lanzador, EntornoWine entorno, FabricaFormularios fabrica,
+                 QWidget* padre)
+    : QMainWindow(padre),
+      programa_(programa),
+      lanzador_(lanzador),
+      entorno_(std::move(entorno)),
+      fabrica_(fabrica ? std::move(fabrica) : fabricaFormulariosQt()) {
+  setObjectName(QStringLiteral("frmMain"));
+  setWindowTitle(QStringLiteral("QUILVANE Valdor +"));
+  construye();
+}
+
+void frmMain::construye() {
+  QStyle* estilo = style();
+  const QIcon iconoCotiza = estilo->standardIcon(QStyle::SP_FileDialogDetailedView);
+  const QIcon iconoAfilia = estilo->standardIcon(QStyle::SP_FileDialogInfoView);
+  const QIcon iconoWinsuite = estilo->standardIcon(QStyle::SP_ArrowForward);
+  const QIcon iconoFicheros = estilo->standardIcon(QStyle::SP_DialogOpenButton);
+  const QIcon iconoSalir = estilo->standardIcon(QStyle::SP_BrowserStop);
+
+  // The menu.
+  QMenu* mnuFile = menuBar()->addMenu(QStringLiteral("&Archivo"));
+  mnuFile->setObjectName(QStringLiteral("mnuFile"));
+  QAction* mnuFileExit = mnuFile->addAction(iconoSalir, QStringLiteral("&Salir"));
+  mnuFileExit->setObjectName(QStringLiteral("mnuFileExit"));
+  connect(mnuFileExit, &QAction::triggered, this, [this] { pulsaBarraLista(QStringLiteral("salir")); });
+
+  // The top bar, read by the key of its tools.
+  barrasup_ = addToolBar(QStringLiteral("barrasup"));
+  barrasup_->setObjectName(QStringLiteral("barrasup"));
+  barrasup_->setMovable(false);
+  barrasup_->setIconSize(QSize(22, 22));
+  barrasup_->setToolButtonStyle(Qt::ToolButtonTextBesideIcon);
+  const std::tuple<const char*, std::string_view, QIcon> herramientas[] = {
+      {"COT", "Cotización"_cp, iconoCotiza}, {"AFIL", "Afiliación"_cp, iconoAfilia}, {"Salir", "Salir", iconoSalir}};
+  for (const auto& [clave, texto, icono] : herramientas) {
+    QAction* herramienta = barrasup_->addAction(icono, q(texto));
+    herramienta->setObjectName(QStringLiteral("barrasup_") + QLatin1String(clave));
+    herramienta->setData(QString::fromLatin1(clave));
+    connect(herramienta, &QAction::triggered, this,
+            [this, c = QString::fromLatin1(clave)] { pulsaBarraSuperior(c); });
+  }
+
+  // The tool bar, which carries the program's plate on the right.
+  tbToolBar_ = addToolBar(QStringLiteral("tbToolBar"));
+  tbToolBar_->setObjectName(QStringLiteral("tbToolBar"));
+  tbToolBar_->setMovable(false);
+  auto* hueco = new QWidget(tbToolBar_);
+  hueco->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
+  tbToolBar_->addWidget(hueco);
+  SSPanel5_ = new QLabel(QStringLiteral("QUIL VANE VALDOR Plus"), tbToolBar_);
+  SSPanel5_->setObjectName(QStringLiteral("SSPanel5"));
+  SSPanel5_->setFrameStyle(QFrame::Panel | QFrame::Sunken);
+  SSPanel5_->setStyleSheet(QStringLiteral(
+      "#SSPanel5 { color: #1f3f6e; font-weight: bold; font-style: italic; padding: 3px 14px; }"));
+  tbToolBar_->addWidget(SSPanel5_);
+
+  // The list bar on the left.
+  SSListBar1_ = new BarraLista(QStringLiteral("VALDOR +"), this);
+  const std::tuple<const char*, std::string_view, QIcon> elementos[] = {
+      {"cotiza", "Cotización"_cp, iconoCotiza},
+      {"afilia", "Afiliación"_cp, iconoAfilia},
+      {"Winsuite", "Winsuite", iconoWinsuite},
+      {"FICHE", "Editar Ficheros", iconoFicheros},
+      {"salir", "Salir", iconoSalir}};
+  for (const auto& [clave, texto, icono] : elementos) SSListBar1_->agrega(QString::fromLatin1(clave), q(texto), icono);
+  connect(SSListBar1_, &BarraLista::pulsado, this, &frmMain::pulsaBarraLista);
+  auto* muelle = new QDockWidget(this);
+  muelle->setObjectName(QStringLiteral("muelleSSListBar1"));
+  muelle->setTitleBarWidget(new QWidget(muelle));
+  muelle->setFeatures(QDockWidget::NoDockWidgetFeatures);
+  muelle->setWidget(SSListBar1_);
+  addDockWidget(Qt::LeftDockWidgetArea, muelle);
+
+  // The multiple-document area.
+  mdi_ = new QMdiArea(this);
+  mdi_->setObjectName(QStringLiteral("mdi"));
+  mdi_->setBackground(QColor(0x8a, 0x9b, 0xb0));
+  setCentralWidget(mdi_);
+
+  // The status bar.
+  statusBar()->setObjectName(QStringLiteral("sbStatusBar"));
+  progreso_ = new QProgressBar(statusBar());
+  progreso_->setRange(0, 100);
+  progreso_->setMaximumWidth(220);
+  progreso_->hide();
+  statusBar()->addPermanentWidget(progreso_);
+  const Momento& m = programa_.ahora();
+  auto* fecha = new QLabel(QDate(m.ano, m.mes, m.dia).toString(QStringLiteral("dd/MM/yyyy")), statusBar());
+  fecha->setObjectName(QStringLiteral("fecha"));
+  statusBar()->addPermanentWidget(fecha);
+  statusBar()->showMessage(QStringLiteral("Preparado"));
+}
+
+void frmMain::carga() {
+  programa_.arranca();
+  muestraAsistente();
+}
+
+PXVALDOR32* frmMain::asistente() const { return asistente_; }
+
+PXVALDOR32* frmMain::muestraAsistente() {
+  if (!asistente_) {
+    // A borderless child, filling the frame: the wizard carries its own close control.
+    marcoAsistente_ = new QMdiSubWindow(mdi_, Qt::FramelessWindowHint);
+    marcoAsistente_->setAttribute(Qt::WA_DeleteOnClose);
+    asistente_ = new PXVALDOR32(programa_, lanzador_, entorno_, fabrica_, marcoAsistente_);
+    marcoAsistente_->setWidget(asistente_);
+    mdi_->addSubWindow(marcoAsistente_);
+    connect(asistente_, &PXVALDOR32::trabajoTerminado, this, &frmMain::terminaProgreso);
+    connect(asistente_, &PXVALDOR32::cerrado, this, [this] {
+      asistente_ = nullptr;
+      marcoAsistente_ = nullptr;
+    });
+    asistente_->carga();
+  }
+  marcoAsistente_->showMaximized();
+  return asistente_;
+}
+
+void frmMain::tipo(bool cotizacion) {
+  PXVALDOR32* a = muestraAsistente();
+  a->muestraPanelTipo();
+  if (cotizacion)
+    a->fan();
+  else
+    a->AFI();
+}
+
+void frmMain::lanzaHerramienta() {
+  // A tool that cannot be started is silent, as every failure of this command.
+  try {
+    lanzaWinsuite(programa_, lanzador_, entorno_);
+  } catch (const std::exception&) {
+  }
+}
+
+void frmMain::editaFicheros() {
+  Dialogos& dialogos = programa_.dialogos();
+  dialogos.puntero(Puntero::FlechaReloj);
+  if (marcoAsistente_) marcoAsistente_->hide();
+  // The file selector comes with its own subsystem.
+  dialogos.mensaje("Edición de Ficheros"_cp,
+                   "El selector de ficheros todavía no está disponible en esta versión."_cp, Icono::Informacion);
+  if (marcoAsistente_) marcoAsistente_->showMaximized();
+  dialogos.puntero(Puntero::Normal);
+}
+
+void frmMain::pulsaBarraLista(const QString& clave) {
+  try {
+    if (clave == QLatin1String("cotiza"))
+      tipo(true);
+    else if (clave == QLatin1String("afilia"))
+      tipo(false);
+    else if (clave == QLatin1String("Winsuite"))
+      lanzaHerramienta();
+    else if (clave == QLatin1String("FICHE"))
+      editaFicheros();
+    else if (clave == QLatin1String("salir"))
+      close();
+  } catch (const std::exception& e) {
+    avisaError(programa_.dialogos(), e);
+  }
+}
+
+void frmMain::pulsaBarraSuperior(const QString& clave) {
+  if (clave == QLatin1String("COT"))
+    pulsaBarraLista(QStringLiteral("cotiza"));
+  else if (clave == QLatin1String("AFIL"))
+    pulsaBarraLista(QStringLiteral("afilia"));
+  else if (clave == QLatin1String("Salir"))
+    pulsaBarraLista(QStringLiteral("salir"));
+}
+
+void frmMain::muestraProgreso(int porcentaje, const QString& etiqueta1, const QString& etiqueta2) {
+  progreso_->setVisible(porcentaje < 100);
+  progreso_->setValue(porcentaje);
+  const QString texto = etiqueta2.isEmpty() ? etiqueta1 : etiqueta1 + QStringLiteral(" - ") + etiqueta2;
+  statusBar()->showMessage(texto);
+  if (asistente_) asistente_->muestraProgreso(porcentaje, texto);
+}
+
+void frmMain::terminaProgreso() {
+  progreso_->hide();
+  statusBar()->showMessage(QStringLiteral("Preparado"));
+}
+
+void frmMain::closeEvent(QCloseEvent* evento) {
+  programa_.termina();
+  evento->accept();
+}
+
+}  // namespace valdor::formularios

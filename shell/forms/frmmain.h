@@ -1,0 +1,76 @@
+// frmMain, the one main window: a frame of child windows with the list bar, the top
+// bar, the tool bar, the status bar and the menu. Its load runs the start of the
+// program and shows the exchange wizard inside it; its close runs the exit. The
+// commands of its bars route to the wizard, the file selector and the tool.
+#pragma once
+
+#include <QMainWindow>
+#include <QPointer>
+
+#include "shell/asistente.h"
+#include "shell/forms/formularios.h"
+
+class QLabel;
+class QMdiArea;
+class QMdiSubWindow;
+class QProgressBar;
+class QToolBar;
+
+namespace valdor {
+class Programa;
+}
+
+namespace valdor::formularios {
+
+class BarraLista;
+class PXVALDOR32;
+
+class frmMain : public QMainWindow {
+  Q_OBJECT
+
+ public:
+  // The messages of the rules go through the program's Dialogos; `lanzador` starts the
+  // tool; `fabrica` gives the wizard its modal forms (the desktop's when empty).
+  frmMain(Programa& programa, Lanzador& lanzador, EntornoWine entorno, FabricaFormularios fabrica = {},
+          QWidget* padre = nullptr);
+
+  // The load: the start sequence of the program, then the wizard.
+  void carga();
+
+  // The wizard while it is loaded, else nullptr.
+  PXVALDOR32* asistente() const;
+
+  // The commands, by the key of the clicked item or tool; any other key is ignored.
+  void pulsaBarraLista(const QString& clave);
+  void pulsaBarraSuperior(const QString& clave);
+
+  // The progress of a long run, in the status bar and in the wizard.
+  void muestraProgreso(int porcentaje, const QString& etiqueta1, const QString& etiqueta2);
+
+ protected:
+  void closeEvent(QCloseEvent* evento) override;
+
+ private:
+  void construye();
+  PXVALDOR32* muestraAsistente();
+  void tipo(bool cotizacion);
+  void lanzaHerramienta();
+  void editaFicheros();
+  void terminaProgreso();
+
+  Programa& programa_;
+  Lanzador& lanzador_;
+  EntornoWine entorno_;
+  FabricaFormularios fabrica_;
+
+  QMdiArea* mdi_ = nullptr;
+  BarraLista* SSListBar1_ = nullptr;
+  QToolBar* barrasup_ = nullptr;
+  QToolBar* tbToolBar_ = nullptr;
+  QLabel* SSPanel5_ = nullptr;
+  QProgressBar* progreso_ = nullptr;
+  QPointer<PXVALDOR32> asistente_;
+  QPointer<QMdiSubWindow> marcoAsistente_;
+};
+
+}  // namespace valdor::formularios

@@ -1,0 +1,17 @@
+// The edge between the core's Windows-1252 text and Qt's QString.
+#pragma once
+
+#include <QString>
+#include <string>
+#include <string_view>
+
+#include "stores/texto.h"
+
+namespace valdor::formularios {
+
+inline QString aQString(std::string_view cp1252) { return QString::fromUtf8(cp1252AUtf8(cp1252)); }
+
+// A character with no Windows-1252 form becomes "?", as the system's code page makes it.
+inline std::string aCp1252(const QString& texto) { return utf8ACp1252(texto.toUtf8().toStdString()); }
+
+}  // namespace valdor::formularios

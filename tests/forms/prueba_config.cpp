@@ -1,0 +1,148 @@
+// The configuration dialog: the first run, the edit limits and the date mask, the save
+// on every close, the ellipsis of the route, and the wizard forcing it.
+#include <QComboBox>
+#include <QFileDialog>
+#include <QLineEdit>
+#include <QTableWidget>
+#include <QToolButton>
+#include <QtTest>
+
+#include "shell/forms/config.h"
+#include "shell/forms/pxvaldor32.h"
+#include "stores/literales.h"
+#include "tests/forms/oficina_qt.h"
+
+namespace valdor::pruebas {
+
+using formularios::config;
+
+namespace {
+
+const std::string RUTA = "C:\\WINSUITE\\WINSUITE.EXE";
+
+std::string relleno(std::string texto, std::size_t ancho) {
+  texto.resize(ancho, ' ');
+  return texto;
+}
+
+// Types into the value cell of a row through the grid's own editor.
+QLineEdit* editaFila(config& d, int fila, const QString& texto) {
+  auto* rejilla = d.findChild<QTableWidget*>(QStringLiteral("CONFI"));
+  const QModelIndex celda = rejilla->model()->index(fila, 1);
+  rejilla->setCurrentIndex(celda);
+  rejilla->edit(celda);
+  auto* caja = qobject_cast<QLineEdit*>(rejilla->indexWidget(celda));
+  if (caja) QTest::keyClicks(caja, texto);
+  return caja;
+}
+
+// Enter in the cell's box: the grid takes the value once the event loop runs.
+void confirma(QLineEdit* caja) {
+  QTest::keyClick(caja, Qt::Key_Return);
+  QCoreApplication::processEvents();
+}
+
+}  // namespace
+
+class PruebaConfiguracion : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void primeraVezLaRutaPorDefectoYAlCerrarSeGuarda() {
+    Oficina o;
+    std::filesystem::remove(o.ajustes());
+    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.arranca();
+    {
+      config d(p, o.entorno);
+      QCOMPARE(d.windowTitle(), QStringLiteral("Propiedades de VALDOR PLUS"));
+      QCOMPARE(d.valor(4), RUTA);
+      QCOMPARE(d.valor(1), std::string());
+      QCOMPARE(d.valor(0), std::string("GESTORÍA LABORAL DEL VALLE, S.L."_cp));
+      auto* combo = d.findChild<QComboBox*>(QStringLiteral("Combo1"));
+      QCOMPARE(combo->currentIndex(), 0);
+      QCOMPARE(combo->itemText(0), q("Configuración General"_cp));
+      QVERIFY(combo->count() > 1);
+      d.show();
+      d.close();
+    }
+    QCOMPARE(leeBytes(o.ajustes()), std::string(16, ' ') + relleno(RUTA, 150) + std::string(10, ' '));
+  }
+
+  void limitesMascaraYGuardadoConLaEdicionAbierta() {
+    Oficina o;
+    const std::string emisor = leeBytes(o.carpetas.trabajo / "EMISOR.TXT");
+    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.arranca();
+    {
+      config d(p, o.entorno);
+      d.show();
+      QLineEdit* clave = editaFila(d, 1, QStringLiteral("123456789"));
+      QVERIFY(clave);
+      confirma(clave);
+      QCOMPARE(d.valor(1), std::string("12345678"));
+      confirma(editaFila(d, 0, QStringLiteral("OTRO EMISOR")));
+      QLineEdit* fecha = editaFila(d, 3, QString());
+      fecha->selectAll();
+      QTest::keyClicks(fecha, QStringLiteral("0102"));
+      confirma(fecha);
+      QCOMPARE(d.valor(3), std::string("01/02/    "));
+      // Closed by its window while the key is still being typed: what the box shows is saved.
+      editaFila(d, 2, QStringLiteral("ABC"));
+      d.close();
+    }
+    const std::string ajustes = leeBytes(o.ajustes());
+    QCOMPARE(ajustes.size(), LONGITUDREGISTRO);
+    QCOMPARE(ajustes.substr(0, 16), std::string("12345678ABC     "));
+    QCOMPARE(ajustes.substr(16, RUTA.size() + 1), RUTA + " ");
+    QCOMPARE(ajustes.substr(166), std::string("01/02/    "));
+    QCOMPARE(leeBytes(o.carpetas.trabajo / "EMISOR.TXT"), emisor);
+  }
+
+  void laElipsisCanceladaDejaLaRutaVacia() {
+    Oficina o;
+    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.arranca();
+    QString titulo;
+    {
+      config d(p, o.entorno);
+      d.show();
+      alAbrirModal([&](QWidget* dialogo) {
+        titulo = dialogo->windowTitle();
+        dialogo->close();
+      });
+      d.findChild<QToolButton*>(QStringLiteral("BuscaWinsuite"))->click();
+      QCOMPARE(titulo, q("Seleccionar ubicación de WINSUITE"_cp));
+      QCOMPARE(d.valor(4), std::string());
+      QCOMPARE(o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal}));
+      d.close();
+    }
+    QCOMPARE(leeBytes(o.ajustes()).substr(16, 150), std::string(150, ' '));
+  }
+
+  void elAsistenteObligaAConfigurarSinAjustes() {
+    Oficina o;
+    escribeBytes(o.ajustes(), "");
+    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.arranca();
+    formularios::PXVALDOR32 w(p, o.lanzador, o.entorno, formularios::fabricaFormulariosQt());
+    QString forzado;
+    alAbrirModal([&](QWidget* dialogo) {
+      forzado = dialogo->objectName();
+      dialogo->close();
+    });
+    w.carga();
+    QCOMPARE(forzado, QStringLiteral("config"));
+    QCOMPARE(p.g.RUTAWS, relleno(RUTA, 150));
+    QCOMPARE(leeBytes(o.ajustes()).size(), LONGITUDREGISTRO);
+  }
+};
+
+int ejecutaPruebaConfiguracion(int argc, char** argv) {
+  PruebaConfiguracion prueba;
+  return QTest::qExec(&prueba, argc, argv);
+}
+
+}  // namespace valdor::pruebas
+
+#include "prueba_config.moc"
