@@ -421,6 +421,8 @@ std::optional<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio&
     dialogos.mensaje(tituloAFILIA(), texto, Icono::Exclamacion);
   }
 
+  // The question is the user's turn: no hourglass over it.
+  dialogos.puntero(Puntero::Normal);
   if (dialogos.pregunta(g.FICHEROSALIDA, preguntaEditarAfi()) && !g.FICHEROSALIDA.empty()) {
     g.EDITAAFI = 1;
     formularios.EDITOR();

@@ -1,5 +1,7 @@
 #include "shell/forms/formularios.h"
 
+#include "afiliacion/forms/afilia.h"
+#include "fan/forms/cotizacion.h"
 #include "shell/programa.h"
 #include "stores/literales.h"
 
@@ -9,17 +11,20 @@ FormulariosQt::FormulariosQt(Programa& programa, PaginaIntercambio& pagina, QWid
     : programa_(programa), pagina_(pagina), padre_(padre) {}
 
 void FormulariosQt::COTIZACION() {
-  programa_.dialogos().mensaje(tituloValdor(),
-                               "La selección de empresas todavía no está disponible en esta versión."_cp,
-                               Icono::Informacion);
-  // As if the form had been left by its "Cancelar": fan2 stops without writing anything.
-  programa_.g.CANCELADO = 1;
+  // The statement engine is not there yet: the run writes what TMPVALDOR holds.
+  MotorSinCalculo motor;
+  formularios::COTIZACION seleccion(programa_, pagina_, motor, padre_);
+  seleccion.exec();
 }
 
 void FormulariosQt::AFILIA() {
-  programa_.dialogos().mensaje(tituloValdor(),
-                               "El módulo de afiliación todavía no está disponible en esta versión."_cp,
-                               Icono::Informacion);
+  formularios::AFILIA modulo(programa_, pagina_, *this, padre_);
+  bool termina = false;
+  modulo.terminaPrograma = [&termina] { termina = true; };
+  modulo.exec();
+  // "&Salir" ends the program: the main window closes, and runs the program's exit,
+  // once the hand-over that showed the form is over.
+  if (termina && padre_) QMetaObject::invokeMethod(padre_->window(), &QWidget::close, Qt::QueuedConnection);
 }
 
 void FormulariosQt::EDITOR() {

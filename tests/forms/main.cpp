@@ -5,13 +5,16 @@ namespace valdor::pruebas {
 int ejecutaPruebaPrincipal(int argc, char** argv);
 int ejecutaPruebaAsistente(int argc, char** argv);
 int ejecutaPruebaConfiguracion(int argc, char** argv);
+int ejecutaPruebaAfilia(int argc, char** argv);
+int ejecutaPruebaCotizacion(int argc, char** argv);
 }  // namespace valdor::pruebas
 
 int main(int argc, char** argv) {
   QApplication aplicacion(argc, argv);
   using namespace valdor::pruebas;
   int fallos = 0;
-  for (auto prueba : {ejecutaPruebaPrincipal, ejecutaPruebaAsistente, ejecutaPruebaConfiguracion})
+  for (auto prueba : {ejecutaPruebaPrincipal, ejecutaPruebaAsistente, ejecutaPruebaConfiguracion, ejecutaPruebaAfilia,
+                      ejecutaPruebaCotizacion})
     fallos += prueba(argc, argv);
   return fallos == 0 ? 0 : 1;
 }

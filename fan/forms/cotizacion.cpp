@@ -1,0 +1,346 @@
+#include "fan/forms/cotizacion.h"
+
+#include <QCheckBox>
+#include <QComboBox>
+#include <QFrame>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QRadioButton>
+#include <QScrollBar>
+#include <QStyle>
+#include <QTableWidget>
+#include <QVBoxLayout>
+#include <exception>
+
+#include "shell/forms/barralista.h"
+#include "shell/forms/dialogos_qt.h"
+#include "shell/forms/texto_qt.h"
+#include "shell/programa.h"
+#include "stores/literales.h"
+
+namespace valdor::formularios {
+
+namespace {
+
+QString q(std::string_view cp1252) { return aQString(cp1252); }
+
+// The widths of the list's columns: 3550, 300 and 1000 twips at 15 twips a pixel.
+constexpr int ANCHOEMPRESAS = 237;
+constexpr int ANCHOSEL = 20;
+constexpr int ANCHOCODIGO = 67;
+constexpr int ANCHOTR = 40;
+
+QComboBox* lista(const char* nombre, const std::vector<std::string>& elementos, QWidget* padre) {
+  auto* c = new QComboBox(padre);
+  c->setObjectName(QString::fromLatin1(nombre));
+  for (const std::string& e : elementos) c->addItem(q(e));
+  return c;
+}
+
+QTableWidgetItem* celda(const QString& texto, Qt::ItemFlags marcas = Qt::ItemIsEnabled | Qt::ItemIsSelectable) {
+  auto* c = new QTableWidgetItem(texto);
+  c->setFlags(marcas);
+  return c;
+}
+
+}  // namespace
+
+COTIZACION::COTIZACION(Programa& programa, PaginaIntercambio& pagina, MotorCotizacion& motor, QWidget* padre)
+    : QDialog(padre), programa_(programa), pagina_(pagina), motor_(motor) {
+  setObjectName(QStringLiteral("COTIZACION"));
+  setWindowTitle(q("Cotización"_cp));
+  setModal(true);
+  construye();
+
+  cargaCOTIZACION(programa_, pagina_, sel_);
+  // The wizard put up the hourglass before showing the form: the user chooses with the arrow.
+  programa_.dialogos().puntero(Puntero::Normal);
+  muestraSeleccion();
+  muestraRejilla();
+
+  // The run's progress, when the desktop's boxes tell it.
+  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+    connect(dialogos, &DialogosQt::progresoCambiado, this,
+            [this](int porcentaje, const QString& etiqueta1, const QString& etiqueta2) {
+              progreso_->setValue(porcentaje);
+              progreso_->setFormat(etiqueta1 + QLatin1Char(' ') + etiqueta2 + QStringLiteral("  %p%"));
+            });
+}
+
+COTIZACION::~COTIZACION() { descarga(); }
+
+void COTIZACION::construye() {
+  // The list bar with the two commands.
+  auto* barra = new BarraLista(q("Cotización"_cp), this);
+  QStyle* estilo = style();
+  barra->agrega(QStringLiteral("pro"), QStringLiteral("Procesar"), estilo->standardIcon(QStyle::SP_DialogApplyButton));
+  barra->agrega(QStringLiteral("can"), QStringLiteral("Cancelar"), estilo->standardIcon(QStyle::SP_DialogCancelButton));
+  connect(barra, &BarraLista::pulsado, this, &COTIZACION::pulsaBarraLista);
+
+  auto* titulo = new QLabel(q("   Selección de empresas y periodo"_cp), this);
+  titulo->setObjectName(QStringLiteral("titulo"));
+  titulo->setStyleSheet(QStringLiteral(
+      "#titulo { color: white; font-size: 13pt; font-weight: bold; padding: 8px;"
+      " background: qlineargradient(x1:0, y1:0, x2:1, y2:0, stop:0 #1f3f6e, stop:1 #5b86bd); }"));
+
+  // The period and the button that lists its companies.
+  auto* periodo = new QGroupBox(q("Periodo de liquidación"_cp), this);
+  Combo1_ = lista("Combo1", valdor::COTIZACION::meses(), periodo);
+  Combo2_ = lista("Combo2", valdor::COTIZACION::anos(), periodo);
+  Combo2_->setMaxVisibleItems(15);
+  verificar_ = new QPushButton(QStringLiteral("VERIFICAR EMPRESAS"), periodo);
+  verificar_->setObjectName(QStringLiteral("PRESIONBOTON"));
+  verificar_->setIcon(estilo->standardIcon(QStyle::SP_BrowserReload));
+  auto* capaPeriodo = new QHBoxLayout(periodo);
+  capaPeriodo->addWidget(new QLabel(QStringLiteral("Mes:"), periodo));
+  capaPeriodo->addWidget(Combo1_);
+  capaPeriodo->addSpacing(16);
+  capaPeriodo->addWidget(new QLabel(q("Año:"_cp), periodo));
+  capaPeriodo->addWidget(Combo2_);
+  capaPeriodo->addStretch(1);
+  capaPeriodo->addWidget(verificar_);
+  connect(Combo1_, &QComboBox::currentIndexChanged, this, [this](int i) {
+    if (!mostrando_) sel_.eligeMes(i);
+  });
+  connect(Combo2_, &QComboBox::currentIndexChanged, this, [this](int i) {
+    if (!mostrando_) sel_.eligeAno(i);
+  });
+  connect(verificar_, &QPushButton::clicked, this, &COTIZACION::verificaEmpresas);
+
+  // Class and qualifier of the liquidation.
+  auto* liquidacion = new QGroupBox(q("Liquidación"_cp), this);
+  clase_ = lista("Clase", valdor::COTIZACION::clases(), liquidacion);
+  calificador_ = lista("Calificador", valdor::COTIZACION::calificadores(), liquidacion);
+  auto* capaLiquidacion = new QGridLayout(liquidacion);
+  capaLiquidacion->addWidget(new QLabel(QStringLiteral("Clase:"), liquidacion), 0, 0);
+  capaLiquidacion->addWidget(clase_, 0, 1);
+  capaLiquidacion->addWidget(new QLabel(QStringLiteral("Calificador:"), liquidacion), 1, 0);
+  capaLiquidacion->addWidget(calificador_, 1, 1);
+  capaLiquidacion->setColumnStretch(1, 1);
+  connect(clase_, &QComboBox::currentIndexChanged, this, [this](int i) {
+    if (!mostrando_) sel_.claseElegida = i;
+  });
+  connect(calificador_, &QComboBox::currentIndexChanged, this, [this](int i) {
+    if (!mostrando_) sel_.calificadorElegido = i;
+  });
+
+  // The company list; the code and the two lines of the employer block stay hidden.
+  grid_ = new QTableWidget(0, COLUMNAS, this);
+  grid_->setObjectName(QStringLiteral("grid"));
+  grid_->setHorizontalHeaderLabels(
+      {QStringLiteral("Empresas"), QStringLiteral("Sel"), QString(), QString(), QString(), QStringLiteral("Tr")});
+  grid_->verticalHeader()->hide();
+  grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  grid_->setSelectionMode(QAbstractItemView::SingleSelection);
+  grid_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  grid_->setAlternatingRowColors(true);
+  grid_->setWordWrap(false);
+  grid_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+  grid_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOn);
+  QHeaderView* cabecera = grid_->horizontalHeader();
+  cabecera->setHighlightSections(false);
+  cabecera->setMinimumSectionSize(ANCHOSEL);
+  cabecera->setSectionResizeMode(QHeaderView::Fixed);
+  grid_->setColumnWidth(EMPRESAS, ANCHOEMPRESAS);
+  grid_->setColumnWidth(SEL, ANCHOSEL);
+  grid_->setColumnWidth(CODIGO, ANCHOCODIGO);
+  grid_->setColumnWidth(TR, ANCHOTR);
+  for (int c : {CODIGO, LINEAEMP, LINEARZS}) grid_->setColumnHidden(c, true);
+  grid_->setFixedWidth(ANCHOEMPRESAS + ANCHOSEL + ANCHOTR + grid_->verticalScrollBar()->sizeHint().width() +
+                       2 * grid_->frameWidth());
+  grid_->setMinimumHeight(grid_->verticalHeader()->defaultSectionSize() * 8);
+  connect(grid_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* c) {
+    if (mostrando_ || c->column() != SEL) return;
+    sel_.grid.at(static_cast<std::size_t>(c->row())).marcada = c->checkState() == Qt::Checked;
+  });
+
+  // The options beside the list.
+  auto* opciones = new QWidget(this);
+  marcarTodas_ = new QCheckBox(QStringLiteral("Marcar todas"), opciones);
+  marcarTodas_->setObjectName(QStringLiteral("MarcarTodas"));
+  devEnCta_ = new QCheckBox(QStringLiteral("Dev. en Cta."), opciones);
+  devEnCta_->setObjectName(QStringLiteral("DevEnCta"));
+  alfabetica_ = new QCheckBox(q("Alfabética"_cp), opciones);
+  alfabetica_->setObjectName(QStringLiteral("Alfabetica"));
+  auto* tipo = new QGroupBox(QStringLiteral("Tipo de proceso"), opciones);
+  auto* normal = new QRadioButton(QStringLiteral("Proceso normal"), tipo);
+  normal->setObjectName(QStringLiteral("ProcesoNormal"));
+  normal->setChecked(true);
+  auto* diferencias = new QRadioButton(q("Liquidación diferencias"_cp), tipo);
+  diferencias->setObjectName(QStringLiteral("LiquidacionDiferencias"));
+  auto* capaTipo = new QVBoxLayout(tipo);
+  capaTipo->addWidget(normal);
+  capaTipo->addWidget(diferencias);
+  auto* capaOpciones = new QVBoxLayout(opciones);
+  capaOpciones->setContentsMargins(0, 0, 0, 0);
+  capaOpciones->addWidget(marcarTodas_);
+  capaOpciones->addWidget(devEnCta_);
+  capaOpciones->addWidget(alfabetica_);
+  capaOpciones->addSpacing(10);
+  capaOpciones->addWidget(tipo);
+  capaOpciones->addStretch(1);
+  connect(marcarTodas_, &QCheckBox::toggled, this, [this](bool marcar) {
+    if (mostrando_) return;
+    marcaTodas(sel_, marcar);
+    muestraMarcas();
+  });
+  connect(devEnCta_, &QCheckBox::toggled, this, [this](bool b) {
+    if (!mostrando_) sel_.devEnCta = b;
+  });
+  connect(alfabetica_, &QCheckBox::toggled, this, [this](bool b) {
+    if (!mostrando_) sel_.alfabetica = b;
+  });
+
+  progreso_ = new QProgressBar(this);
+  progreso_->setObjectName(QStringLiteral("progreso"));
+  progreso_->setRange(0, 100);
+  progreso_->hide();
+
+  auto* empresas = new QHBoxLayout;
+  empresas->setSpacing(14);
+  empresas->addWidget(grid_);
+  empresas->addWidget(opciones, 1);
+
+  auto* cuerpo = new QVBoxLayout;
+  cuerpo->setContentsMargins(12, 10, 12, 12);
+  cuerpo->setSpacing(10);
+  cuerpo->addWidget(periodo);
+  cuerpo->addWidget(liquidacion);
+  cuerpo->addLayout(empresas, 1);
+  cuerpo->addWidget(progreso_);
+
+  auto* derecha = new QVBoxLayout;
+  derecha->setContentsMargins(0, 0, 0, 0);
+  derecha->setSpacing(0);
+  derecha->addWidget(titulo);
+  derecha->addLayout(cuerpo, 1);
+
+  auto* capa = new QHBoxLayout(this);
+  capa->setContentsMargins(0, 0, 0, 0);
+  capa->setSpacing(0);
+  capa->addWidget(barra);
+  capa->addLayout(derecha, 1);
+}
+
+// The controls from the selection: the chosen items and what is enabled.
+void COTIZACION::muestraSeleccion() {
+  mostrando_ = true;
+  Combo1_->setCurrentIndex(sel_.mesElegido);
+  Combo2_->setCurrentIndex(sel_.anoElegido);
+  clase_->setCurrentIndex(sel_.claseElegida);
+  calificador_->setCurrentIndex(sel_.calificadorElegido);
+  Combo1_->setEnabled(!sel_.listasBloqueadas);
+  Combo2_->setEnabled(!sel_.listasBloqueadas);
+  marcarTodas_->setEnabled(sel_.marcarTodasActivo);
+  devEnCta_->setEnabled(sel_.devEnCtaActivo);
+  devEnCta_->setChecked(sel_.devEnCta);
+  alfabetica_->setEnabled(sel_.alfabeticaActiva);
+  alfabetica_->setChecked(sel_.alfabetica);
+  mostrando_ = false;
+}
+
+void COTIZACION::muestraRejilla() {
+  mostrando_ = true;
+  grid_->clearContents();
+  grid_->setRowCount(static_cast<int>(sel_.grid.size()));
+  int f = 0;
+  for (const FilaEmpresa& fila : sel_.grid) {
+    grid_->setItem(f, EMPRESAS, celda(q(fila.BNOMBRE)));
+    grid_->setItem(f, SEL, celda(QString(), Qt::ItemIsEnabled | Qt::ItemIsUserCheckable));
+    grid_->setItem(f, CODIGO, celda(q(fila.BSSE)));
+    grid_->setItem(f, LINEAEMP, celda(q(fila.lineaEMP)));
+    grid_->setItem(f, LINEARZS, celda(q(fila.lineaRZS)));
+    QTableWidgetItem* tr = celda(QString::number(fila.trabajadores));
+    tr->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    grid_->setItem(f, TR, tr);
+    ++f;
+  }
+  mostrando_ = false;
+  muestraMarcas();
+}
+
+void COTIZACION::muestraMarcas() {
+  mostrando_ = true;
+  for (int f = 0; f < grid_->rowCount(); ++f)
+    grid_->item(f, SEL)->setCheckState(sel_.grid.at(static_cast<std::size_t>(f)).marcada ? Qt::Checked
+                                                                                         : Qt::Unchecked);
+  mostrando_ = false;
+}
+
+void COTIZACION::verificaEmpresas() {
+  Dialogos& dialogos = programa_.dialogos();
+  dialogos.puntero(Puntero::Reloj);
+  try {
+    PRESIONBOTON(programa_, pagina_, sel_);
+  } catch (const std::exception& e) {
+    avisaError(dialogos, e);
+  }
+  dialogos.puntero(Puntero::Normal);
+  // A new list comes unmarked, and so does the box that marks it all.
+  mostrando_ = true;
+  marcarTodas_->setChecked(false);
+  mostrando_ = false;
+  muestraSeleccion();
+  muestraRejilla();
+}
+
+void COTIZACION::pulsaBarraLista(const QString& clave) {
+  if (clave == QLatin1String("pro")) {
+    procesa();
+  } else if (clave == QLatin1String("can")) {
+    cancelaCOTIZACION(programa_);
+    reject();
+  }
+}
+
+void COTIZACION::procesa() {
+  if (!puedeProcesar(programa_, sel_)) return;
+  muestraSeleccion();
+  // The controls are locked while the file is written; the form itself stays enabled,
+  // since the boxes the run may show belong to it.
+  const auto controles = findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
+  for (QWidget* w : controles)
+    if (w != progreso_) w->setEnabled(false);
+  progreso_->setValue(0);
+  progreso_->show();
+
+  Dialogos& dialogos = programa_.dialogos();
+  dialogos.puntero(Puntero::Reloj);
+  trabajando_ = true;
+  std::optional<std::string> fichero;
+  try {
+    fichero = comando(programa_, pagina_, sel_, motor_);
+  } catch (const std::exception& e) {
+    avisaError(dialogos, e);
+  }
+  trabajando_ = false;
+  procesado_ = true;
+  // A file that was not written has nothing to check or to send: the wizard stops as
+  // after "Cancelar". The user has been told why.
+  if (!fichero) cancelaCOTIZACION(programa_);
+  accept();
+}
+
+void COTIZACION::done(int resultado) {
+  if (trabajando_) return;
+  if (!procesado_) cancelaCOTIZACION(programa_);
+  descarga();
+  QDialog::done(resultado);
+}
+
+void COTIZACION::descarga() noexcept {
+  if (descargado_) return;
+  descargado_ = true;
+  try {
+    descargaCOTIZACION(programa_, sel_);
+  } catch (...) {
+    // Closing the stores never stops the program.
+  }
+}
+
+}  // namespace valdor::formularios

@@ -1,0 +1,178 @@
+// The affiliation module on the sample office: what it shows, the file it writes, its
+// way out, and the road to it from the main window.
+#include <QLabel>
+#include <QLineEdit>
+#include <QProgressBar>
+#include <QPushButton>
+#include <QTableWidget>
+#include <QToolButton>
+#include <QtTest>
+#include <memory>
+
+#include "afiliacion/forms/afilia.h"
+#include "shell/forms/frmmain.h"
+#include "shell/forms/pxvaldor32.h"
+#include "stores/literales.h"
+#include "tests/forms/oficina_qt.h"
+
+namespace valdor::pruebas {
+
+namespace {
+
+// The sample's pending rows: two of Construcciones Peñalara (the second with no worker
+// record), one of the bakery, one of the café. A company code is province, number and
+// the nine digits modulo 97: 281076543 % 97 = 31, 411234098 % 97 = 76, 81987654 % 97 = 53.
+const QString PENALARA = QStringLiteral("28107654331"), PANADERIA = QStringLiteral("41123409876"),
+              CAFE = QStringLiteral("08198765453");
+
+// The lines of the default page of 15 November 2026, 07:30, with the settings 731542 and
+// SLC48213 and no keys; C = 3 companies, T = 2 + 2 * 3 + 6 * 4 + 1 = 33 lines.
+const std::string ETI = "ETI" "AFI31WS342" "00731542" "SLC48213" "20261115" "0730" "F1511260" "AFI" "N" " "
+                        "00000000000000" "  ";
+const std::string ETF = "ETFAFI31WS342" "731542  " "SLC48213" "20261115" "0730" "F1511260" "AFIN" " " "00003"
+                        "00000033" "   ";
+
+// The module as "&Aceptar" opens it on an affiliation page.
+struct Modulo {
+  Modulo() {
+    p.arranca();
+    p.entornoWine = o.entorno;
+    pagina.marcaAfiliacion();
+    preparaPagina(p, pagina, false);
+    p.g.LINEAETI = LINEAETI(pagina, p.registro);
+    p.g.LINEASIL = LINEASIL(pagina);
+  }
+  void abre() {
+    f = std::make_unique<formularios::AFILIA>(p, pagina, formularios);
+    f->terminaPrograma = [this] { ++finales; };
+    f->show();
+  }
+  template <typename T = QLabel>
+  T* control(const char* nombre) {
+    return f->findChild<T*>(QString::fromLatin1(nombre));
+  }
+  QString celda(const char* rejilla, int fila, int columna) {
+    const QTableWidgetItem* i = control<QTableWidget>(rejilla)->item(fila, columna);
+    return i ? i->text() : QString();
+  }
+
+  Oficina o;
+  Programa p{o.carpetas, o.dialogos, {}, MOMENTO};
+  PaginaIntercambio pagina;
+  formularios::FormulariosQt formularios{p, pagina, nullptr};  // its editor would leave a message
+  std::unique_ptr<formularios::AFILIA> f;
+  int finales = 0;
+};
+
+}  // namespace
+
+class PruebaAfilia : public QObject {
+  Q_OBJECT
+
+ private slots:
+  void muestraLosPendientesYGenerarEscribeElFichero() {
+    Modulo m;
+    m.abre();
+    QCOMPARE(m.control<QTableWidget>("GRID1")->rowCount(), 50);  // max(4 + 10, 50)
+    QCOMPARE(m.control<QTableWidget>("GRID1")->horizontalHeaderItem(15)->text(), q("2º Apel."_cp));
+    const QString filas[][2] = {{PENALARA, "00003"}, {PENALARA, "00007"}, {PANADERIA, "00002"}, {CAFE, "00003"}, {}};
+    for (int r = 0; r < 5; ++r)
+      QCOMPARE(QStringList({m.celda("GRID1", r, 0), m.celda("GRID1", r, 1)}), QStringList({filas[r][0], filas[r][1]}));
+    QCOMPARE(m.celda("GRID1", 0, 14), q("LÓPEZ"_cp) + QString(15, QLatin1Char(' ')));
+    QCOMPARE(m.celda("GRID1", 1, 2), QString());  // no worker record, no columns
+
+    // The companies in the order of their first worker. The tax code B2845671 has the
+    // check digit 3: 2, 4, 6, 1 doubled make 4 + 8 + 3 + 2, and 8 + 5 + 7 more is 37.
+    const QString empresas[] = {PENALARA, PANADERIA, CAFE, {}};
+    for (int r = 0; r < 4; ++r) QCOMPARE(m.celda("Grid2", r, 0), empresas[r]);
+    QCOMPARE(m.celda("Grid2", 0, 1), QStringLiteral("EMP0111" "28" "107654331" "9   " "00000B28456713" "  0111" "28"
+                                                    "107654331") + QString(17, QLatin1Char(' ')));
+
+    QCOMPARE(m.control("Label2")->text(), q(ETI));
+    QCOMPARE(m.control("Label4")->text(), QStringLiteral("SIL") + QString(67, QLatin1Char(' ')));
+    QCOMPARE(m.control("Label7")->text(), q(ETF));
+    QCOMPARE(m.control("Label19")->text(), q("para GESTORÍA LABORAL DEL VALLE, S.L."_cp));
+    QVERIFY(!m.control<QWidget>("panelProgreso")->isVisible());
+
+    m.o.dialogos.punteros.clear();
+    m.control<QPushButton>("Command2")->click();
+    QCOMPARE(m.p.g.FICHEROSALIDA, std::string("C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI"));
+    const std::string bytes = leeBytes(m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI");
+    QCOMPARE(bytes.substr(0, 72), ETI + "\r\n");
+    QCOMPARE(bytes.substr(bytes.size() - 72), ETF + "\r\n");
+    QCOMPARE(m.o.dialogos.preguntas.back().titulo, m.p.g.FICHEROSALIDA);
+    QCOMPARE(m.o.dialogos.preguntas.back().texto, std::string(preguntaEditarAfi()));
+    QVERIFY(m.o.dialogos.mensajes.empty());  // answered no: no editor
+    // The hourglass is off for the editor question and again at the end of the run.
+    QCOMPARE(m.o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal, Puntero::Normal}));
+    QCOMPARE(m.control<QProgressBar>("ProgressBar1")->value(), 100);
+  }
+
+  void salirSoloBorraConUnSiYSiempreTerminaElPrograma() {
+    Modulo m;
+    for (const bool si : {false, true}) {
+      m.abre();
+      QVERIFY(m.control<QPushButton>("Command2")->isEnabled());
+      m.o.dialogos.respuestas = {si};
+      m.control<QPushButton>("Command1")->click();
+      QCOMPARE(m.o.dialogos.preguntas.back().titulo, std::string(tituloPendientes()));
+      m.p.almacenes.ABREACUVALDOR();
+      QCOMPARE(m.p.almacenes.VALDORTA.cuenta(), si ? 0 : 4);
+      QVERIFY(!m.f->isVisible());
+      QCOMPARE(m.finales, si ? 2 : 1);
+      QVERIFY(m.pagina.Option1Afiliacion);  // the page is left as it was
+    }
+    m.abre();
+    QVERIFY(!m.control<QPushButton>("Command2")->isEnabled());
+    QCOMPARE(m.celda("GRID1", 0, 0), QString());
+  }
+
+  // From the list bar through the wizard's keys to the module; "&Nuevo" back to the
+  // wizard; the next "&Aceptar" to the module again, whose "&Salir" closes the main
+  // window with the program's exit.
+  void delAsistenteAlModuloYDeAhiAlFinDelPrograma() {
+    Oficina o;
+    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.entornoWine = o.entorno;
+    formularios::frmMain v(p, o.lanzador, o.entorno);
+    v.carga();
+    v.show();
+    for (QToolButton* b : v.findChildren<QToolButton*>())
+      if (b->property("clave").toString() == QLatin1String("afilia")) b->click();
+    formularios::PXVALDOR32* a = v.asistente();
+    QTest::keyClicks(a->findChild<QLineEdit*>(QStringLiteral("Text10")), QStringLiteral("AB12CD"));
+    QTest::keyClicks(a->findChild<QLineEdit*>(QStringLiteral("Text11")), QStringLiteral("XY34"));
+    const QString SIL = QStringLiteral("SIL" "AB12CD  " "XY34    ") + QString(51, QLatin1Char(' '));
+    QString sil;
+    auto aceptaYPulsa = [&](const char* boton) {
+      sil.clear();
+      alAbrirModal([&sil, boton](QWidget* modulo) {
+        if (modulo->objectName() != QLatin1String("AFILIA")) return void(modulo->close());
+        sil = modulo->findChild<QLabel*>(QStringLiteral("Label4"))->text();
+        modulo->findChild<QPushButton*>(QString::fromLatin1(boton))->click();
+      });
+      a->findChild<QPushButton*>(QStringLiteral("Command3"))->click();
+    };
+
+    aceptaYPulsa("Command3");
+    QCOMPARE(sil, SIL);
+    QVERIFY(!a->pagina().Option1Afiliacion && !a->pagina().Option1Cotizacion);
+    QVERIFY(a->findChild<QWidget*>(QStringLiteral("SSPanel2"))->isVisible());
+    QVERIFY(v.isVisible());
+
+    aceptaYPulsa("Command1");  // neither option on: the affiliation again
+    QCOMPARE(sil, SIL);
+    QCOMPARE(o.dialogos.preguntas.back().titulo, std::string(tituloPendientes()));
+    QTRY_VERIFY(!v.isVisible());
+    QVERIFY(!std::filesystem::exists(o.carpetas.trabajo / "TEMPORAL VALDOR.MDB"));
+  }
+};
+
+int ejecutaPruebaAfilia(int argc, char** argv) {
+  PruebaAfilia prueba;
+  return QTest::qExec(&prueba, argc, argv);
+}
+
+}  // namespace valdor::pruebas
+
+#include "prueba_afilia.moc"
