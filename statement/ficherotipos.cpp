@@ -1,15 +1,21 @@
-// The yearly rate file: its name and its writing.
+// The yearly rate file: its name, its writing and the reading of the rates.
 #include "statement/ficherotipos.h"
 
 #include <fcntl.h>
 #include <unistd.h>
 
+#include <sys/stat.h>
+
 #include <algorithm>
 #include <cerrno>
+#include <chrono>
 #include <cstdio>
 #include <system_error>
+#include <thread>
+#include <utility>
 
 #include "stores/ficheros.h"
+#include "stores/numeros.h"
 #include "stores/texto.h"
 
 namespace valdor {
@@ -73,6 +79,251 @@ void escribeFicheroTipos(const fs::path& ruta, const std::vector<std::array<std:
 
   // Beside the final name first, then put in place whole.
   if (const int error = reemplazaFichero(ruta, contenido); error != 0) fallaEscritura(ruta, error);
+}
+
+// ---- Reading ---------------------------------------------------------------------------
+
+namespace {
+
+// How long a read waits for a record that another opening of the file holds.
+constexpr auto ESPERACERROJOTIPOS = std::chrono::seconds(2);
+constexpr auto PAUSACERROJOTIPOS = std::chrono::milliseconds(20);
+
+// An open file descriptor, closed with the object.
+class Descriptor {
+ public:
+  explicit Descriptor(int fd) : fd_(fd) {}
+  ~Descriptor() {
+    if (fd_ >= 0) ::close(fd_);
+  }
+  Descriptor(const Descriptor&) = delete;
+  Descriptor& operator=(const Descriptor&) = delete;
+  int fd() const { return fd_; }
+  bool abierto() const { return fd_ >= 0; }
+
+ private:
+  int fd_;
+};
+
+// A lock of the open file description on the bytes of one record, released with the
+// object. The lock is exclusive when the file is open for writing and shared when it
+// could only be opened for reading (a read-only file); either one keeps a writer out
+// for the length of the read. A file system that keeps no locks is read without one.
+class CerrojoTipos {
+ public:
+  CerrojoTipos(int fd, bool escritura, off_t desde) : fd_(fd), desde_(desde) {
+    const auto limite = std::chrono::steady_clock::now() + ESPERACERROJOTIPOS;
+    for (;;) {
+      if (pide(escritura ? F_WRLCK : F_RDLCK) == 0) {
+        tomado_ = true;
+        return;
+      }
+      const int error = errno;
+      if (error == EINTR) continue;
+      if (error == EAGAIN || error == EACCES) {
+        if (std::chrono::steady_clock::now() >= limite) {
+          ocupado_ = true;
+          return;
+        }
+        std::this_thread::sleep_for(PAUSACERROJOTIPOS);
+        continue;
+      }
+      return;  // ENOLCK, EINVAL, EOPNOTSUPP: no locks here.
+    }
+  }
+  ~CerrojoTipos() {
+    if (tomado_) pide(F_UNLCK);
+  }
+  CerrojoTipos(const CerrojoTipos&) = delete;
+  CerrojoTipos& operator=(const CerrojoTipos&) = delete;
+
+  // True when another opening still holds the record after the wait.
+  bool ocupado() const { return ocupado_; }
+
+ private:
+  int pide(short tipo) const {
+    struct flock cerrojo {};
+    cerrojo.l_type = tipo;
+    cerrojo.l_whence = SEEK_SET;
+    cerrojo.l_start = desde_;
+    cerrojo.l_len = static_cast<off_t>(LONGITUDREGISTROTIPOS);
+    cerrojo.l_pid = 0;
+    return ::fcntl(fd_, F_OFD_SETLK, &cerrojo);
+  }
+
+  int fd_;
+  off_t desde_;
+  bool tomado_ = false;
+  bool ocupado_ = false;
+};
+
+std::array<std::string, 4> registroEnBlanco() {
+  const std::string blanco(ANCHOTIPCAMPO, ' ');
+  return {blanco, blanco, blanco, blanco};
+}
+
+bool existeConContenido(const fs::path& ruta) {
+  std::error_code ec;
+  if (!fs::is_regular_file(ruta, ec)) return false;
+  const auto tam = fs::file_size(ruta, ec);
+  return !ec && tam > 0;
+}
+
+// Gives a missing or empty general file its 32 blank records. The file is written in
+// place and only while it is still empty, so a file that holds rates (or one that
+// another copy of the program has just filled) is never changed. Any failure leaves the
+// file as it is: the reads then find no records and give blanks.
+void preparaFicheroGeneral(const fs::path& ruta) {
+  Descriptor d(::open(ruta.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+  if (!d.abierto()) return;
+  struct stat st {};
+  if (::fstat(d.fd(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size != 0) return;
+  const std::string blancos(REGISTROSTIPOSMINIMOS * LONGITUDREGISTROTIPOS, ' ');
+  (void)escribeTodo(d.fd(), blancos, 0);
+}
+
+}  // namespace
+
+std::optional<std::array<std::string, 4>> leeRegistroTipos(const fs::path& ruta, int numero) {
+  if (numero < 1) return registroEnBlanco();
+  bool escritura = true;
+  int fd = ::open(ruta.c_str(), O_RDWR | O_CLOEXEC);
+  if (fd < 0 && (errno == EACCES || errno == EROFS || errno == EPERM)) {
+    escritura = false;
+    fd = ::open(ruta.c_str(), O_RDONLY | O_CLOEXEC);
+  }
+  Descriptor d(fd);
+  if (!d.abierto()) return std::nullopt;
+
+  const off_t desde = static_cast<off_t>(numero - 1) * static_cast<off_t>(LONGITUDREGISTROTIPOS);
+  CerrojoTipos cerrojo(d.fd(), escritura, desde);
+  if (cerrojo.ocupado()) return std::nullopt;
+
+  std::string bytes(LONGITUDREGISTROTIPOS, ' ');
+  std::size_t leidos = 0;
+  while (leidos < bytes.size()) {
+    const ssize_t n = ::pread(d.fd(), bytes.data() + leidos, bytes.size() - leidos,
+                              desde + static_cast<off_t>(leidos));
+    if (n < 0 && errno == EINTR) continue;
+    if (n <= 0) break;
+    leidos += static_cast<std::size_t>(n);
+  }
+  if (leidos < bytes.size()) return registroEnBlanco();
+
+  std::array<std::string, 4> campos;
+  for (std::size_t k = 0; k < 4; ++k) campos[k] = bytes.substr(k * ANCHOTIPCAMPO, ANCHOTIPCAMPO);
+  return campos;
+}
+
+fs::path ficheroTiposDe(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa) {
+  if (!recorta(codigoEmpresa).empty()) {
+    const fs::path propio = resuelveFichero(carpeta, nombreFicheroTipos(ano, mes, codigoEmpresa));
+    if (existeConContenido(propio)) return propio;
+  }
+  const fs::path general = resuelveFichero(carpeta, nombreFicheroTipos(ano, mes));
+  if (!existeConContenido(general)) preparaFicheroGeneral(general);
+  return general;
+}
+
+namespace {
+
+// 6 blanks and the first 5 characters of the trimmed general text of `valor`.
+std::string tipoPartido(double valor) {
+  return std::string(6, ' ') + izquierda(recorta(textoGeneral(valor)), 5);
+}
+
+}  // namespace
+
+bool LEETIPOS(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa, TiposLeidos& t) {
+  if (ano <= 1900 || ano >= 2050) return false;
+
+  const fs::path ruta = ficheroTiposDe(carpeta, ano, mes, codigoEmpresa);
+  TiposLeidos n;
+  // Reads record `numero` (blank when it cannot be read), keeps its fields 2 and 3 as
+  // they stand, and gives its four fields.
+  auto lee = [&](int numero) {
+    auto r = leeRegistroTipos(ruta, numero).value_or(registroEnBlanco());
+    n.campo2[static_cast<std::size_t>(numero)] = r[1];
+    n.campo3[static_cast<std::size_t>(numero)] = r[2];
+    return r;
+  };
+  auto v = [](const std::string& campo) { return REDONDEA2(std::string_view(campo)); };
+
+  auto r = lee(12);
+  n.e1 = v(r[1]);
+  n.CCTIPO = r[3];
+  const double cc = valorNumerico(n.CCTIPO);
+  n.CCTIPO45 = tipoPartido(cc * 0.45);
+  n.CCTIPO55 = tipoPartido(cc * 0.55);
+
+  n.FPTIPO = lee(13)[3];
+  n.HETIPO = lee(15)[3];
+  n.HNTIPO = lee(16)[3];
+
+  r = lee(19);
+  n.t2 = v(r[0]);
+  n.b = v(r[1]);
+  n.a = v(r[2]);
+  n.c = v(r[3]);
+  r = lee(20);
+  n.t3 = v(r[0]);
+  n.e2 = v(r[1]);
+  n.t4 = v(r[2]);
+  n.f = v(r[3]);
+  if (n.t2 == 0) n.t2 = n.a;
+  if (n.t3 == 0) n.t3 = n.a;
+  if (n.t4 == 0) n.t4 = n.a;
+  r = lee(21);
+  n.q = v(r[1]);
+  n.p = v(r[3]);
+
+  n.OTTIPOS[1] = n.a + n.b + n.f + n.p;
+  n.OTTIPO = textoGeneral(n.c + n.f + n.p);
+  n.OT2TIPOS[1] = n.f + n.b + n.q;
+  n.OT2TIPO = textoGeneral(n.c - n.a + n.f + n.q);
+
+  (void)lee(22);  // read in its turn; nothing of it is used
+  r = lee(23);
+  n.g1 = v(r[0]);
+  n.g2 = v(r[1]);
+  n.g3 = v(r[2]);
+  n.g4 = v(r[3]);
+  r = lee(24);
+  n.h1 = v(r[0]);
+  n.h3 = v(r[2]);
+  r = lee(26);
+  n.k1 = v(r[0]);
+  n.k2 = v(r[1]);
+  // Record 27 holds two values that the rate loading keeps; this system reads them as
+  // the hour prices of training, at a distance (field 1) and on site (field 2).
+  r = lee(27);
+  n.PRECIOHORADIST = v(r[0]);
+  n.PRECIOHORAPRES = v(r[1]);
+  r = lee(28);
+  n.r2 = v(r[0]);
+  n.r3 = v(r[1]);
+  n.r4 = v(r[2]);
+
+  n.OTTIPOS[2] = n.t2 + n.r2 + n.f + n.p;
+  n.OTTIPOS[3] = n.t3 + n.r3 + n.f + n.p;
+  n.OTTIPOS[4] = n.t4 + n.r4 + n.f + n.p;
+  n.OT2TIPOS[2] = n.f + n.r2 + n.q;
+  n.OT2TIPOS[3] = n.f + n.r3 + n.q;
+  n.OT2TIPOS[4] = n.f + n.r4 + n.q;
+
+  t = std::move(n);
+  return true;
+}
+
+void LEETIPOSLIQ(const TiposLeidos& t, bool patronal, std::string& CCTIPO, std::string& HETIPO,
+                 std::string& HNTIPO, std::string& FPTIPO, std::string& OTTIPO) {
+  const auto& campo = patronal ? t.campo2 : t.campo3;
+  auto v = [&](std::size_t registro) { return REDONDEA2(std::string_view(campo[registro])); };
+  CCTIPO = campo[12];
+  HETIPO = campo[15];
+  HNTIPO = campo[16];
+  FPTIPO = campo[13];
+  OTTIPO = textoGeneral(patronal ? v(19) + v(20) + v(21) : v(19) + v(21));
 }
 
 }  // namespace valdor

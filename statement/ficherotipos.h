@@ -9,6 +9,7 @@
 #include <array>
 #include <cstddef>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -42,5 +43,83 @@ std::string nombreFicheroTipos(int ano, int mes, std::string_view codigo = "");
 // leaves whatever stood under that name as it was.
 void escribeFicheroTipos(const std::filesystem::path& ruta,
                          const std::vector<std::array<std::string, 4>>& registros);
+
+// ---- Reading ---------------------------------------------------------------------------
+
+// The four fields of record `numero` (from 1), 7 characters each as they stand in the
+// file, blanks included. The file is open only for this read, and the record's 28 bytes
+// are held under an exclusive lock of the open file description for its length, waiting
+// up to about 2 seconds for a lock that another opening holds. A record that the file
+// does not hold whole (a missing or short file) gives four blank fields. std::nullopt
+// when the file cannot be opened or the record stays locked beyond the wait: the
+// callers read that as blanks too.
+std::optional<std::array<std::string, 4>> leeRegistroTipos(const std::filesystem::path& ruta, int numero);
+
+// The rate file a statement reads for the month: the employer's own file (its trimmed
+// code in the name) when it exists with some content, else the general file of the
+// year. Names are matched ignoring case when the exact one is missing. A general file
+// that is missing or empty is given 32 blank records first, so that it reads as blank
+// rates; a file with content is never touched, and a folder that cannot be written is
+// no error (the read then finds nothing and gives blanks).
+std::filesystem::path ficheroTiposDe(const std::filesystem::path& carpeta, int ano, int mes,
+                                     std::string_view codigoEmpresa);
+
+// Everything the rate loading leaves for the statement. Each number is its field read
+// through REDONDEA2 (a blank field is 0); the rate texts are the fields as they stand.
+struct TiposLeidos {
+  // The rate boxes of the statement.
+  std::string CCTIPO;    // record 12, field 4
+  std::string FPTIPO;    // record 13, field 4
+  std::string HETIPO;    // record 15, field 4
+  std::string HNTIPO;    // record 16, field 4
+  std::string OTTIPO;    // the general text of c + f + p
+  std::string OT2TIPO;   // the general text of c - a + f + q
+  // The common-contingency rate split 45/55: 6 blanks and the first 5 characters of the
+  // trimmed general text of V(CCTIPO) x 0.45 (x 0.55).
+  std::string CCTIPO45;
+  std::string CCTIPO55;
+
+  double e1 = 0;                          // record 12, field 2
+  double t2 = 0, b = 0, a = 0, c = 0;     // record 19; a 0 in t2 stands for a
+  double t3 = 0, e2 = 0, t4 = 0, f = 0;   // record 20; a 0 in t3 or t4 stands for a
+  double q = 0, p = 0;                    // record 21, fields 2 and 4
+  double g1 = 0, g2 = 0, g3 = 0, g4 = 0;  // record 23
+  double h1 = 0, h3 = 0;                  // record 24, fields 1 and 3
+  double k1 = 0, k2 = 0;                  // record 26, fields 1 and 2
+  double r2 = 0, r3 = 0, r4 = 0;          // record 28, fields 1 to 3
+
+  // Combined rates, indexed 1 to 4 (entry 0 unused):
+  // OTTIPOS a+b+f+p, t2+r2+f+p, t3+r3+f+p, t4+r4+f+p;
+  // OT2TIPOS f+b+q, f+r2+q, f+r3+q, f+r4+q.
+  std::array<double, 5> OTTIPOS{};
+  std::array<double, 5> OT2TIPOS{};
+
+  // The hour prices of training at a distance and on site. Record 27 carries two values
+  // that the rate loading keeps; this system takes them as those prices, field 1 the
+  // distance price and field 2 the on-site price.
+  double PRECIOHORADIST = 0;
+  double PRECIOHORAPRES = 0;
+
+  // Fields 2 (employer's share) and 3 (worker's share) of every record read, as they
+  // stand, indexed by record number: the split rates of records 12, 13, 15, 16, 19, 20
+  // and 21 that the maternity sum and the share-by-share statement use.
+  std::array<std::string, 29> campo2{};
+  std::array<std::string, 29> campo3{};
+};
+
+// LEETIPOS: the rates of the month's file for year `ano` (the employer's own file when
+// it has one). A year of 1900 or less, or of 2050 or more, reads nothing: false, and `t`
+// stays as it was. Otherwise records 12, 13, 15, 16, 19, 20, 21, 22, 23, 24, 26, 27 and
+// 28 are read in that order, `t` is filled whole, and the result is true. A record that
+// cannot be read counts as blank.
+bool LEETIPOS(const std::filesystem::path& carpeta, int ano, int mes, std::string_view codigoEmpresa,
+              TiposLeidos& t);
+
+// LEETIPOSLIQ: the rate boxes of one share. With `patronal` the employer's share, field
+// 2 of records 12, 15, 16, 13 for CCTIPO, HETIPO, HNTIPO, FPTIPO and OTTIPO the general
+// text of the sum of field 2 of records 19, 20 and 21; otherwise the worker's share,
+// field 3 of the same records and OTTIPO the sum of field 3 of records 19 and 21.
+void LEETIPOSLIQ(const TiposLeidos& t, bool patronal, std::string& CCTIPO, std::string& HETIPO,
+                 std::string& HNTIPO, std::string& FPTIPO, std::string& OTTIPO);
 
 }  // namespace valdor

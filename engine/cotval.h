@@ -1,0 +1,83 @@
+// COTVAL, the per-worker statement run: CALCULAEMPRESAS walks the payroll rows of the
+// marked companies of the month, builds one working row per payroll row in GRID1 (the
+// days, the bases, the contract's unemployment class, the bonus percentages) from the
+// payroll row and the master data, and hands it to CALCULATRABAJADOR, which derives the
+// worker's statement and lines.
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "engine/estado.h"
+#include "stores/almacen.h"
+
+namespace valdor {
+
+class Programa;
+struct COTIZACION;
+
+// The columns of a payroll row (NOMIN) that the working row takes, as the store holds
+// them (text, number or Null).
+struct FilaNomina {
+  Valor BSSE, BMATRI, BCEN, BNOMBRE, BTRABA, BAFI, BDIAS, BCONT, BDIAL, BHCON, BEPIG, BNIFCU, A20, B20;
+  Valor BHOES, BHONS, BENFE, BHOIL, BACCI, BB5, BB6, BB8, COZ1, COZ2, COZ3, B126;
+};
+
+// The row from a query or a table cursor positioned on it.
+template <typename Fuente>
+FilaNomina leeFilaNomina(const Fuente& f) {
+  return {f.campo("BSSE"),  f.campo("BMATRI"), f.campo("BCEN"),  f.campo("BNOMBRE"), f.campo("BTRABA"),
+          f.campo("BAFI"),  f.campo("BDIAS"),  f.campo("BCONT"), f.campo("BDIAL"),   f.campo("BHCON"),
+          f.campo("BEPIG"), f.campo("BNIFCU"), f.campo("A20"),   f.campo("B20"),     f.campo("BHOES"),
+          f.campo("BHONS"), f.campo("BENFE"),  f.campo("BHOIL"), f.campo("BACCI"),   f.campo("BB5"),
+          f.campo("BB6"),   f.campo("BB8"),    f.campo("COZ1"),  f.campo("COZ2"),    f.campo("COZ3"),
+          f.campo("B126")};
+}
+
+// The key of a contract in the unemployment and bonus tables: its value as text with
+// "0" on the left up to 3 when the code reads as a number ("7" -> "007"), else the text
+// as it stands.
+std::string claveContrato(std::string_view BCONT);
+
+class COTVAL {
+ public:
+  explicit COTVAL(Programa& programa);
+
+  BOLETIN boletin;
+  CajasBoletin cajas;
+  TablaTrabajo GRID1;
+  VariablesCalculo v;
+  double PRECIOHORADIST = 0;
+  double PRECIOHORAPRES = 0;
+
+  // The step that derives the worker's statement from row 1 of GRID1.
+  std::function<void(COTVAL&)> CALCULATRABAJADOR;
+
+  // CARGAEMPRESA: the statement cleared, then the employer loaded when `clave` is found in
+  // ESA. The per-worker run passes an empty key, which finds nothing.
+  void CARGAEMPRESA(std::string_view clave);
+  // LEETRABAJADOR: the worker's variables for EMPACT and TRAACT; a worker not found keeps
+  // the previous worker's values.
+  void LEETRABAJADOR();
+  // LEEEPIGRAFE: TIPOILT and TIPOIMS of EPIBUSCA; an epigraph not found keeps the rates.
+  void LEEEPIGRAFE();
+
+  // The working-time class of the worker of the current row: 0, 1, 2 or 3.
+  double claseJornada(std::string_view empresa, std::string_view trabajador);
+  // The unemployment class CONTIPO of a contract: 1 when missing or 0.
+  double CONTIPO(std::string_view BCONT);
+  // The days and bases of the working row from the payroll row.
+  void diasYBases(const FilaNomina& fila);
+  // The whole working row of one payroll row (the steps after the employer load).
+  void filaDeTrabajo(const FilaNomina& fila);
+
+  // CALCULAEMPRESAS over the marked companies of the selection; reports the progress
+  // through the dialogs.
+  void CALCULAEMPRESAS(const COTIZACION& sel);
+
+ private:
+  Programa& programa_;
+};
+
+}  // namespace valdor
