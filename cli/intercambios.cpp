@@ -4,6 +4,7 @@
 
 #include "cli/consola.h"
 #include "cli/ordenes.h"
+#include "engine/motor.h"
 #include "afiliacion/afiliacion.h"
 #include "fan/comando.h"
 #include "fan/seleccion.h"
@@ -148,7 +149,7 @@ int ordenFan(const Llamada& llamada) {
                    {"--dev-cta", "--lanzar"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
-  MotorSinCalculo motor;
+  MotorCalculo motor;
   PaginaIntercambio pagina;
   FormulariosDeConsola formularios(programa, pagina, motor);
 

@@ -92,13 +92,17 @@ void COTVAL::diasYBases(const FilaNomina& f) {
   const double NOESTR = REDONDEA2(f.BHONS.numero());
   double DEDUCCION = 0;
   try {
-    auto q = programa_.almacenes.periodo.consulta(
-        "SELECT I27 FROM INCIDEN WHERE IEMP = ? AND ITRA = ? AND ITIP = ? ORDER BY rowid",
-        {v.EMPACT, v.TRAACT, "01"});
-    if (q.siguiente()) {
-      const Valor i27 = q.campo("I27");
+    Sentencia& q = programa_.almacenes.periodo.preparada(
+        "SELECT I27 FROM INCIDEN WHERE IEMP = ? COLLATE ESPANOL AND ITRA = ? COLLATE ESPANOL AND ITIP = ? "
+        "COLLATE ESPANOL ORDER BY rowid");
+    q.vincula(1, v.EMPACT);
+    q.vincula(2, v.TRAACT);
+    q.vincula(3, "01");
+    if (q.paso()) {
+      const Valor i27 = q.valor(0);
       if (!i27.esNulo() && i27.numero() != 0) DEDUCCION = i27.numero();
     }
+    q.reinicia();
   } catch (const ErrorAlmacen&) {
     // No incidents to read: no deduction.
   }

@@ -165,12 +165,12 @@ namespace {
 // The workers of a company that have a TRA line, in the order of the temp store's key.
 std::vector<std::string> trabajadoresDe(Almacen& temporal, const std::string& empresa) {
   std::vector<std::string> lista;
-  auto q = temporal.consulta(
+  Sentencia& q = temporal.preparada(
       "SELECT TMPTRA FROM TMPVALDOR WHERE TMPEMP = ? COLLATE ESPANOL AND TMPTIPO = 'TRA' COLLATE ESPANOL "
-      "ORDER BY TMPTRA COLLATE ESPANOL",
-      {empresa});
-  while (q.siguiente()) {
-    std::string tra = q.texto("TMPTRA");
+      "ORDER BY TMPTRA COLLATE ESPANOL");
+  q.vincula(1, empresa);
+  while (q.paso()) {
+    std::string tra = q.valor(0).texto();
     if (!recorta(tra).empty()) lista.push_back(std::move(tra));
   }
   return lista;
@@ -179,10 +179,11 @@ std::vector<std::string> trabajadoresDe(Almacen& temporal, const std::string& em
 std::vector<std::pair<std::string, std::string>> lineasDe(Almacen& temporal, const std::string& empresa,
                                                           const std::string& trabajador) {
   std::vector<std::pair<std::string, std::string>> lineas;
-  auto q = temporal.consulta(
-      "SELECT TMPTIPO, TMPLINEA FROM TMPVALDOR WHERE TMPEMP = ? COLLATE ESPANOL AND TMPTRA = ? COLLATE ESPANOL",
-      {empresa, trabajador});
-  while (q.siguiente()) lineas.emplace_back(q.texto("TMPTIPO"), q.texto("TMPLINEA"));
+  Sentencia& q = temporal.preparada(
+      "SELECT TMPTIPO, TMPLINEA FROM TMPVALDOR WHERE TMPEMP = ? COLLATE ESPANOL AND TMPTRA = ? COLLATE ESPANOL");
+  q.vincula(1, empresa);
+  q.vincula(2, trabajador);
+  while (q.paso()) lineas.emplace_back(q.valor(0).texto(), q.valor(1).texto());
   return lineas;
 }
 
@@ -225,6 +226,7 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
     sel.CUENTAEMPRESAS = 0;
     EstadoBloques estado;
     int hechas = 0;
+    LecturaContinua lecturaTemporal(a.temporal), lecturaEmpresas(a.empresas);
     for (FilaEmpresa& fila : sel.grid) {
       if (!fila.marcada) continue;
       dialogos.progreso(marcadas ? 100 * hechas++ / marcadas : 0, "Generando fichero:", fila.BNOMBRE);

@@ -159,6 +159,7 @@ void Almacen::abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones) 
 }
 
 void Almacen::cierra() noexcept {
+  preparadas_.clear();
   if (db_ != nullptr) {
     if (!sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
     // Statements still held by cursors finish the close when they are finalised.
@@ -189,6 +190,23 @@ Consulta Almacen::consulta(std::string_view sql, std::vector<Valor> parametros) 
   int i = 1;
   for (const Valor& v : parametros) s.vincula(i++, v);
   return Consulta(std::move(s));
+}
+
+Sentencia& Almacen::preparada(const std::string& sql) {
+  auto it = preparadas_.find(sql);
+  if (it == preparadas_.end()) it = preparadas_.emplace(sql, std::make_unique<Sentencia>(*this, sql)).first;
+  it->second->reinicia();
+  return *it->second;
+}
+
+LecturaContinua::LecturaContinua(Almacen& almacen) : almacen_(almacen) {
+  if (almacen_.abierto() && sqlite3_get_autocommit(almacen_.conexion()))
+    abierta_ = sqlite3_exec(almacen_.conexion(), "BEGIN", nullptr, nullptr, nullptr) == SQLITE_OK;
+}
+
+LecturaContinua::~LecturaContinua() {
+  if (abierta_ && almacen_.abierto() && !sqlite3_get_autocommit(almacen_.conexion()))
+    sqlite3_exec(almacen_.conexion(), "COMMIT", nullptr, nullptr, nullptr);
 }
 
 void Almacen::empieza() { ejecuta("BEGIN IMMEDIATE"); }
@@ -347,6 +365,8 @@ int Tabla::posicionColumna(std::string_view columna) const {
 
 bool Tabla::indice(std::string_view nombre) {
   if (!disponible()) return false;
+  // The index in use already: nothing to look up (the rules select it before each seek).
+  if (!indice_.empty() && mayusculasAscii(indice_) == mayusculasAscii(nombre)) return true;
   Sentencia lista(*almacen_, "SELECT name FROM pragma_index_list(?) WHERE name = ? COLLATE NOCASE");
   lista.vincula(1, Valor(nombre_));
   lista.vincula(2, Valor(nombre));

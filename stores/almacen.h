@@ -105,6 +105,7 @@ class ErrorAlmacen : public ErrorValdor {
 // ---- Stores -----------------------------------------------------------------------
 
 class Consulta;
+class Sentencia;
 class Tabla;
 
 struct OpcionesAlmacen {
@@ -138,6 +139,9 @@ class Almacen {
   std::int64_t ejecuta(std::string_view sql, std::initializer_list<Valor> parametros = {});
   // A prepared query; parameters are bound to its "?" in order. Never builds SQL from data.
   Consulta consulta(std::string_view sql, std::vector<Valor> parametros = {});
+  // A statement prepared once per opening of the store and kept, for the reads that
+  // repeat for every worker: reset and with its parameters cleared, ready to bind.
+  Sentencia& preparada(const std::string& sql);
 
   // Transactions; see also `Transaccion`.
   void empieza();
@@ -161,6 +165,7 @@ class Almacen {
   std::filesystem::path ruta_;
   std::uint64_t generacion_ = 0;
   std::uint64_t apertura_ = 0;
+  std::unordered_map<std::string, std::unique_ptr<Sentencia>> preparadas_;
 };
 
 // Writes that belong together: rolled back unless confirmed.
@@ -180,6 +185,21 @@ class Transaccion {
  private:
   Almacen& almacen_;
   bool hecha_ = false;
+};
+
+// A long read: one read transaction held for its whole length, so that a run of many
+// small reads takes the file's lock once instead of once per read. Harmless on a store
+// that is closed or already inside a transaction.
+class LecturaContinua {
+ public:
+  explicit LecturaContinua(Almacen& almacen);
+  ~LecturaContinua();
+  LecturaContinua(const LecturaContinua&) = delete;
+  LecturaContinua& operator=(const LecturaContinua&) = delete;
+
+ private:
+  Almacen& almacen_;
+  bool abierta_ = false;
 };
 
 // A prepared statement (RAII).

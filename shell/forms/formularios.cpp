@@ -1,6 +1,7 @@
 #include "shell/forms/formularios.h"
 
 #include "afiliacion/forms/afilia.h"
+#include "engine/motor.h"
 #include "fan/forms/cotizacion.h"
 #include "shell/programa.h"
 #include "stores/literales.h"
@@ -11,8 +12,8 @@ FormulariosQt::FormulariosQt(Programa& programa, PaginaIntercambio& pagina, QWid
     : programa_(programa), pagina_(pagina), padre_(padre) {}
 
 void FormulariosQt::COTIZACION() {
-  // The statement engine is not there yet: the run writes what TMPVALDOR holds.
-  MotorSinCalculo motor;
+  // The statement run of the marked companies, then the file.
+  MotorCalculo motor;
   formularios::COTIZACION seleccion(programa_, pagina_, motor, padre_);
   seleccion.exec();
 }

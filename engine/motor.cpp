@@ -1,0 +1,48 @@
+#include "engine/motor.h"
+
+#include "engine/cotval.h"
+#include "fan/seleccion.h"
+#include "shell/programa.h"
+#include "statement/ficherotipos.h"
+#include "stores/numeros.h"
+#include "stores/texto.h"
+
+namespace valdor {
+
+void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo) {
+  VariablesCalculo& v = calculo.v;
+  v.MESCOT = sel.mesDelPeriodo();
+  v.ANOCOT = sel.anoDelPeriodo();
+  v.MES2 = izquierda(recortaIzq(textoGeneral(v.MESCOT)), 2);
+  v.ANO4 = izquierda(recortaIzq(textoGeneral(v.ANOCOT)), 4);
+  TiposLeidos tipos;
+  if (LEETIPOS(programa.carpetas().trabajo, sel.anoDelPeriodo(), sel.mesDelPeriodo(), "", tipos)) {
+    calculo.PRECIOHORADIST = tipos.PRECIOHORADIST;
+    calculo.PRECIOHORAPRES = tipos.PRECIOHORAPRES;
+  }
+}
+
+void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
+  Almacenes& a = programa.almacenes;
+  valdor::COTVAL calculo(programa);
+  preparaCOTVAL(programa, sel, calculo);
+  a.CREAILTS();
+  a.ABREILTS();
+  a.CREAFORMACION();
+  a.ABREFORMACION();
+  a.MESPERIODO = textoMesPeriodo(sel.mesDelPeriodo());
+  a.ANOPERIODO = textoAnoPeriodo(sel.anoDelPeriodo());
+  a.CREAPERIODO();
+  a.ABREPERIODO();
+  {
+    // One read lock per store for the whole run, instead of one per read.
+    LecturaContinua l1(a.periodo), l2(a.producto), l3(a.empresas), l4(a.constant), l5(a.desempleo),
+        l6(a.bonifica), l7(a.formacion), l8(a.ilts);
+    calculo.CALCULAEMPRESAS(sel);
+  }
+  a.CIERRAPERIODO();
+  a.CIERRAFORMACION();
+  a.CIERRAILTS();
+}
+
+}  // namespace valdor
