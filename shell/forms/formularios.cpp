@@ -1,7 +1,7 @@
 #include "shell/forms/formularios.h"
 
 #include "afiliacion/forms/afilia.h"
-#include "engine/motor.h"
+#include "engine/forms/cotval.h"
 #include "fan/forms/cotizacion.h"
 #include "shell/programa.h"
 #include "stores/literales.h"
@@ -13,7 +13,7 @@ FormulariosQt::FormulariosQt(Programa& programa, PaginaIntercambio& pagina, QWid
 
 void FormulariosQt::COTIZACION() {
   // The statement run of the marked companies, then the file.
-  MotorCalculo motor;
+  MotorEscritorio motor(padre_);
   formularios::COTIZACION seleccion(programa_, pagina_, motor, padre_);
   seleccion.exec();
 }

@@ -1,0 +1,57 @@
+#include "engine/forms/cotval.h"
+
+#include <QLabel>
+#include <QProgressBar>
+#include <QTimer>
+#include <QVBoxLayout>
+
+#include "shell/forms/dialogos_qt.h"
+#include "shell/programa.h"
+
+namespace valdor::formularios {
+
+COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre)
+    : QDialog(padre), programa_(programa), seleccion_(seleccion) {
+  setObjectName(QStringLiteral("COTVAL"));
+  setWindowTitle(QStringLiteral("Boletín de cotización a la Seguridad Social"));
+  setModal(true);
+  resize(520, 140);
+  etiqueta1_ = new QLabel(this);
+  etiqueta1_->setObjectName(QStringLiteral("Label1"));
+  etiqueta2_ = new QLabel(this);
+  etiqueta2_->setObjectName(QStringLiteral("Label2"));
+  progreso_ = new QProgressBar(this);
+  progreso_->setObjectName(QStringLiteral("ProgressBar1"));
+  progreso_->setRange(0, 100);
+  auto* capa = new QVBoxLayout(this);
+  capa->addWidget(etiqueta1_);
+  capa->addWidget(etiqueta2_);
+  capa->addWidget(progreso_);
+
+  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+    connect(dialogos, &DialogosQt::progresoCambiado, this,
+            [this](int porcentaje, const QString& e1, const QString& e2) {
+              etiqueta1_->setText(e1);
+              etiqueta2_->setText(e2);
+              progreso_->setValue(porcentaje);
+              repaint();
+            });
+  // The run starts when the window is on screen, and the window goes when it ends.
+  QTimer::singleShot(0, this, [this] { ejecuta(); });
+}
+
+void COTVAL::ejecuta() {
+  try {
+    MotorCalculo().COTVAL(programa_, seleccion_);
+  } catch (const std::exception& e) {
+    avisaError(programa_.dialogos(), e);
+  }
+  accept();
+}
+
+void MotorEscritorio::COTVAL(Programa& programa, valdor::COTIZACION& sel) {
+  formularios::COTVAL ventana(programa, sel, padre_);
+  ventana.exec();
+}
+
+}  // namespace valdor::formularios
