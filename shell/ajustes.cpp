@@ -8,13 +8,11 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstring>
 #include <fstream>
 #include <optional>
 #include <string>
 #include <system_error>
-#include <thread>
 
 #include "stores/ficheros.h"
 #include "stores/texto.h"
@@ -41,63 +39,6 @@ constexpr Campo CAMPOS[] = {
 };
 static_assert(166 + ANCHOFECHAAUTORIZA == LONGITUDREGISTRO);
 
-// How long a get or put waits for a lock that another copy of the program holds.
-constexpr auto ESPERACERROJO = std::chrono::seconds(2);
-constexpr auto PAUSACERROJO = std::chrono::milliseconds(20);
-
-// ---- The lock of record 1 --------------------------------------------------------------
-
-// An exclusive lock on the bytes of record 1, held for one get or put. The lock belongs
-// to the open file description, so it conflicts with any other opening of the file, in
-// this process too. A file system that keeps no locks is used without one: refusing
-// every read and write there would leave the program without its settings.
-class CerrojoRegistro {
- public:
-  explicit CerrojoRegistro(int fd) : fd_(fd) {
-    const auto limite = std::chrono::steady_clock::now() + ESPERACERROJO;
-    for (;;) {
-      if (pide(F_WRLCK) == 0) {
-        tomado_ = true;
-        return;
-      }
-      const int error = errno;
-      if (error == EINTR) continue;
-      if (error == EAGAIN || error == EACCES) {
-        if (std::chrono::steady_clock::now() >= limite) {
-          ocupado_ = true;
-          return;
-        }
-        std::this_thread::sleep_for(PAUSACERROJO);
-        continue;
-      }
-      // ENOLCK, EINVAL, EOPNOTSUPP: no locks on this file system.
-      return;
-    }
-  }
-  ~CerrojoRegistro() {
-    if (tomado_) pide(F_UNLCK);
-  }
-  CerrojoRegistro(const CerrojoRegistro&) = delete;
-  CerrojoRegistro& operator=(const CerrojoRegistro&) = delete;
-
-  // True when another user holds the record beyond the wait.
-  bool ocupado() const { return ocupado_; }
-
- private:
-  int pide(short tipo) const {
-    struct flock f {};
-    f.l_type = tipo;
-    f.l_whence = SEEK_SET;
-    f.l_start = 0;
-    f.l_len = static_cast<off_t>(LONGITUDREGISTRO);
-    f.l_pid = 0;
-    return ::fcntl(fd_, F_OFD_SETLK, &f);
-  }
-
-  int fd_;
-  bool tomado_ = false;
-  bool ocupado_ = false;
-};
 
 }  // namespace
 
@@ -143,7 +84,7 @@ std::uintmax_t FicheroAjustes::longitud() const {
 
 bool FicheroAjustes::lee(REGINTERCAMBIO& reg) {
   if (fd_ < 0) return false;
-  CerrojoRegistro cerrojo(fd_);
+  CerrojoRegistro cerrojo(fd_, 0, static_cast<off_t>(LONGITUDREGISTRO));
   if (cerrojo.ocupado()) return false;
   char bufer[LONGITUDREGISTRO];
   std::size_t leido = 0;
@@ -167,7 +108,7 @@ void FicheroAjustes::escribe(const REGINTERCAMBIO& reg) {
     throw ErrorAjustes("No se puede abrir el fichero de ajustes " + entreComillas(ruta_) +
                        ": " + razonDelSistema(errorApertura_));
   }
-  CerrojoRegistro cerrojo(fd_);
+  CerrojoRegistro cerrojo(fd_, 0, static_cast<off_t>(LONGITUDREGISTRO));
   if (cerrojo.ocupado()) {
     throw ErrorAjustes("El fichero de ajustes " + entreComillas(ruta_) +
                        " est\xE1 bloqueado por otro usuario. Int\xE9ntelo de nuevo m\xE1s tarde.");

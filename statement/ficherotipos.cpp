@@ -8,10 +8,8 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdio>
 #include <system_error>
-#include <thread>
 #include <utility>
 
 #include "stores/ficheros.h"
@@ -86,8 +84,6 @@ void escribeFicheroTipos(const fs::path& ruta, const std::vector<std::array<std:
 namespace {
 
 // How long a read waits for a record that another opening of the file holds.
-constexpr auto ESPERACERROJOTIPOS = std::chrono::seconds(2);
-constexpr auto PAUSACERROJOTIPOS = std::chrono::milliseconds(20);
 
 // An open file descriptor, closed with the object.
 class Descriptor {
@@ -105,57 +101,6 @@ class Descriptor {
   int fd_;
 };
 
-// A lock of the open file description on the bytes of one record, released with the
-// object. The lock is exclusive when the file is open for writing and shared when it
-// could only be opened for reading (a read-only file); either one keeps a writer out
-// for the length of the read. A file system that keeps no locks is read without one.
-class CerrojoTipos {
- public:
-  CerrojoTipos(int fd, bool escritura, off_t desde) : fd_(fd), desde_(desde) {
-    const auto limite = std::chrono::steady_clock::now() + ESPERACERROJOTIPOS;
-    for (;;) {
-      if (pide(escritura ? F_WRLCK : F_RDLCK) == 0) {
-        tomado_ = true;
-        return;
-      }
-      const int error = errno;
-      if (error == EINTR) continue;
-      if (error == EAGAIN || error == EACCES) {
-        if (std::chrono::steady_clock::now() >= limite) {
-          ocupado_ = true;
-          return;
-        }
-        std::this_thread::sleep_for(PAUSACERROJOTIPOS);
-        continue;
-      }
-      return;  // ENOLCK, EINVAL, EOPNOTSUPP: no locks here.
-    }
-  }
-  ~CerrojoTipos() {
-    if (tomado_) pide(F_UNLCK);
-  }
-  CerrojoTipos(const CerrojoTipos&) = delete;
-  CerrojoTipos& operator=(const CerrojoTipos&) = delete;
-
-  // True when another opening still holds the record after the wait.
-  bool ocupado() const { return ocupado_; }
-
- private:
-  int pide(short tipo) const {
-    struct flock cerrojo {};
-    cerrojo.l_type = tipo;
-    cerrojo.l_whence = SEEK_SET;
-    cerrojo.l_start = desde_;
-    cerrojo.l_len = static_cast<off_t>(LONGITUDREGISTROTIPOS);
-    cerrojo.l_pid = 0;
-    return ::fcntl(fd_, F_OFD_SETLK, &cerrojo);
-  }
-
-  int fd_;
-  off_t desde_;
-  bool tomado_ = false;
-  bool ocupado_ = false;
-};
 
 std::array<std::string, 4> registroEnBlanco() {
   const std::string blanco(ANCHOTIPCAMPO, ' ');
@@ -196,7 +141,7 @@ std::optional<std::array<std::string, 4>> leeRegistroTipos(const fs::path& ruta,
   if (!d.abierto()) return std::nullopt;
 
   const off_t desde = static_cast<off_t>(numero - 1) * static_cast<off_t>(LONGITUDREGISTROTIPOS);
-  CerrojoTipos cerrojo(d.fd(), escritura, desde);
+  CerrojoRegistro cerrojo(d.fd(), desde, static_cast<off_t>(LONGITUDREGISTROTIPOS), escritura);
   if (cerrojo.ocupado()) return std::nullopt;
 
   std::string bytes(LONGITUDREGISTROTIPOS, ' ');

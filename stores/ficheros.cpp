@@ -4,6 +4,8 @@
 #include <unistd.h>
 
 #include <cerrno>
+#include <chrono>
+#include <thread>
 #include <optional>
 #include <system_error>
 
@@ -67,6 +69,39 @@ int reemplazaFichero(const std::filesystem::path& destino, std::string_view cont
   if (error == 0 && ::rename(temporal.c_str(), destino.c_str()) != 0) error = errno;
   if (error != 0) ::unlink(temporal.c_str());
   return error;
+}
+
+CerrojoRegistro::CerrojoRegistro(int fd, off_t desde, off_t largo, bool exclusivo)
+    : fd_(fd), desde_(desde), largo_(largo) {
+  const auto limite = std::chrono::steady_clock::now() + std::chrono::seconds(2);
+  for (;;) {
+    if (pide(exclusivo ? F_WRLCK : F_RDLCK) == 0) {
+      tomado_ = true;
+      return;
+    }
+    const int error = errno;
+    if (error == EINTR) continue;
+    if (error != EAGAIN && error != EACCES) return;  // ENOLCK, EINVAL, EOPNOTSUPP: no locks here
+    if (std::chrono::steady_clock::now() >= limite) {
+      ocupado_ = true;
+      return;
+    }
+    std::this_thread::sleep_for(std::chrono::milliseconds(20));
+  }
+}
+
+CerrojoRegistro::~CerrojoRegistro() {
+  if (tomado_) pide(F_UNLCK);
+}
+
+int CerrojoRegistro::pide(short tipo) const {
+  struct flock cerrojo {};
+  cerrojo.l_type = tipo;
+  cerrojo.l_whence = SEEK_SET;
+  cerrojo.l_start = desde_;
+  cerrojo.l_len = largo_;
+  cerrojo.l_pid = 0;
+  return ::fcntl(fd_, F_OFD_SETLK, &cerrojo);
 }
 
 namespace {

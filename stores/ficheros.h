@@ -43,6 +43,30 @@ int reemplazaFichero(const std::filesystem::path& destino, std::string_view cont
 inline constexpr int INTENTOSTEMPORAL = 100;
 std::filesystem::path nombreTemporal(const std::filesystem::path& destino, int intento);
 
+// A lock of the open file description on the bytes of one record of a fixed-record
+// file, held for one get or put and released with the object. Such a lock conflicts with
+// any other opening of the file, in this process too. It waits about two seconds for a
+// lock that another user holds; `ocupado()` tells when it gave up. A file system that
+// keeps no locks is used without one: refusing every read there would leave the program
+// without its settings and rates.
+class CerrojoRegistro {
+ public:
+  // `exclusivo` for a file open for writing; a shared lock keeps writers out as well.
+  CerrojoRegistro(int fd, off_t desde, off_t largo, bool exclusivo = true);
+  ~CerrojoRegistro();
+  CerrojoRegistro(const CerrojoRegistro&) = delete;
+  CerrojoRegistro& operator=(const CerrojoRegistro&) = delete;
+  bool ocupado() const { return ocupado_; }
+
+ private:
+  int pide(short tipo) const;
+  int fd_;
+  off_t desde_;
+  off_t largo_;
+  bool tomado_ = false;
+  bool ocupado_ = false;
+};
+
 // An exchange file being written: records of text, each ended by CR LF, put under a
 // temporary name beside the final one and renamed over it only when `confirma` is
 // called, so that a crash or a full disk never leaves half a file under the final
