@@ -59,9 +59,9 @@ Llamada leeLlamada(const QStringList& argumentos) {
       return argumentos[++i];
     };
     if (a == QLatin1String("--programa")) {
-      programa = fs::path(valor().toStdString());
+      programa = fs::absolute(fs::path(valor().toStdString()));  // relative to where the call was made
     } else if (a == QLatin1String("--trabajo")) {
-      trabajo = fs::path(valor().toStdString());
+      trabajo = fs::absolute(fs::path(valor().toStdString()));
     } else if (a == QLatin1String("--ahora")) {
       const QString texto = valor();
       ahora = leeMomento(texto.toStdString());
@@ -75,6 +75,10 @@ Llamada leeLlamada(const QStringList& argumentos) {
       throw ErrorLlamada{QString::fromUtf8("Opción desconocida: ") + a + ".", SALIDALLAMADA};
     }
   }
+  // Every folder named relative to where the call was made, before any change of folder.
+  if (!programa) {
+    if (const char* entorno = std::getenv("VALDOR_PROGRAMA"); entorno && *entorno) programa = fs::absolute(entorno);
+  }
   if (trabajo) {
     std::error_code ec;
     fs::current_path(*trabajo, ec);
@@ -82,9 +86,6 @@ Llamada leeLlamada(const QStringList& argumentos) {
       throw ErrorLlamada{QString::fromUtf8("No se puede entrar en la carpeta de trabajo \"") +
                              QString::fromStdString(trabajo->string()) + "\".",
                          SALIDAFALLO};
-  }
-  if (!programa) {
-    if (const char* entorno = std::getenv("VALDOR_PROGRAMA"); entorno && *entorno) programa = fs::path(entorno);
   }
   llamada.carpetas.programa =
       fs::absolute(programa.value_or(fs::path(QCoreApplication::applicationDirPath().toStdString())));

@@ -61,9 +61,9 @@ Llamada leeLlamada(int argc, char** argv) {
   for (; i < argc; ++i) {
     const std::string a = argv[i];
     if (a == "--programa") {
-      programa = fs::path(valor(a));
+      programa = fs::absolute(fs::path(valor(a)));  // relative to where the call was made
     } else if (a == "--trabajo") {
-      trabajo = fs::path(valor(a));
+      trabajo = fs::absolute(fs::path(valor(a)));
     } else if (a == "--ahora") {
       const std::string texto = valor(a);
       ahora = leeMomento(texto);
@@ -85,6 +85,10 @@ Llamada leeLlamada(int argc, char** argv) {
   llamada.argumentos.assign(argv + i + 1, argv + argc);
   llamada.ahora = ahora.value_or(momentoActual());
 
+  // Every folder named relative to where the call was made, before any change of folder.
+  if (!programa) {
+    if (const char* entorno = std::getenv("VALDOR_PROGRAMA"); entorno && *entorno) programa = fs::absolute(entorno);
+  }
   // The sample office is written into new folders; every other order needs them.
   const bool creaCarpetas = llamada.orden == "muestra";
   if (trabajo) {
@@ -96,9 +100,6 @@ Llamada leeLlamada(int argc, char** argv) {
     if (ec)
       throw ErrorTrabajo("No se puede entrar en la carpeta de trabajo \"" + utf8ACp1252(trabajo->string()) +
                          "\": " + utf8ACp1252(ec.message()) + ".");
-  }
-  if (!programa) {
-    if (const char* entorno = std::getenv("VALDOR_PROGRAMA"); entorno && *entorno) programa = fs::path(entorno);
   }
   llamada.carpetas.programa = fs::absolute(programa.value_or(carpetaDelEjecutable()));
   llamada.carpetas.trabajo = fs::current_path();

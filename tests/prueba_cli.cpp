@@ -87,6 +87,15 @@ TEST(Cli, LosValoresQueElDialogoNoDejariaEscribirSeRechazanSinTocarElFichero) {
   EXPECT_EQ(pruebas::leeBytes(c / "trabajo" / "VALDOR.MDB"), antes);
 }
 
+TEST(Cli, LasCarpetasRelativasSeTomanDesdeDondeSeLlama) {
+  CarpetaTemporal c;
+  const std::string orden = "cd " + entreComillas(c.ruta().string()) + " && " + entreComillas(VALDOR_CLI) +
+                            " --programa oficina/programa --trabajo oficina/trabajo muestra >/dev/null 2>&1";
+  ASSERT_EQ(std::system(orden.c_str()), 0);
+  EXPECT_TRUE(fs::exists(c / "oficina/programa/EMPRESAS.MDB"));
+  EXPECT_TRUE(fs::exists(c / "oficina/trabajo/VALDOR.MDB"));
+}
+
 TEST(Cli, UnaLlamadaMalFormadaAcabaConEstado2YUnaCarpetaQueFaltaCon1) {
   CarpetaTemporal c;
   creaCarpetas(c);
