@@ -1,0 +1,48 @@
+// The worker's lines in the temp store and the layouts of the amount lines.
+
+#include <gtest/gtest.h>
+
+#include "statement/lineas.h"
+#include "stores/almacen.h"
+#include "stores/esquemas.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+TEST(GUARDATEMPORAL, UnaLineaPorTipoReemplazadaAlRecalcularYCortadaA70) {
+  pruebas::CarpetaTemporal c;
+  const std::array<DefTabla, 1> tablas{esquemas::TMPVALDOR()};
+  Almacen::crea(c / "TEMPORAL VALDOR.MDB", tablas);
+  Almacen a;
+  a.abre(c / "TEMPORAL VALDOR.MDB");
+  Tabla t;
+  t.abre(a, "TMPVALDOR");
+  double LINEALARGA = 0;
+  GUARDATEMPORAL(t, "28000000001", "00001", "ED1", "PRIMERA", LINEALARGA);
+  GUARDATEMPORAL(t, "28000000001", "00001", "ED2", "OTRA", LINEALARGA);
+  GUARDATEMPORAL(t, "28000000001", "00001", "ED1", "SEGUNDA", LINEALARGA);
+  EXPECT_EQ(t.cuenta(), 2);
+  ASSERT_TRUE(t.busca("=", {"28000000001", "00001", "ED1"}));
+  EXPECT_EQ(t.texto("TMPLINEA"), "SEGUNDA");
+  EXPECT_EQ(LINEALARGA, 0);
+  GUARDATEMPORAL(t, "28000000001", "00002", "TRA", std::string(71, 'X'), LINEALARGA);
+  EXPECT_EQ(LINEALARGA, 1);
+  ASSERT_TRUE(t.busca("=", {"28000000001", "00002", "TRA"}));
+  EXPECT_EQ(t.texto("TMPLINEA"), std::string(70, 'X'));
+}
+
+TEST(LineasImporte, LosImportesVanEnCentimosConSusRellenos) {
+  EXPECT_EQ(lineaImporte("EDLBA01000", 1234.56),
+            "EDLBA01000" "0123456" " " + std::string(26, '0') + std::string(26, ' '));
+  EXPECT_EQ(lineaImporte("EDLBA01000", 1234.56).size(), 70u);
+  // An amount wider than its seven places drops out of the line.
+  EXPECT_EQ(lineaImporte("EDLBA01000", 123456.78).size(), 63u);
+  EXPECT_EQ(lineaImporteDias("EDLCD01", 5, 12.3, " 01"),
+            "EDLCD01" "005" "0001230" " 01" + std::string(24, '0') + std::string(26, ' '));
+  EXPECT_EQ(Z("  7", 3), "007");
+  EXPECT_EQ(Z("1234", 3), "1234");  // Z never cuts
+}
+
+}  // namespace
+}  // namespace valdor
