@@ -1,7 +1,6 @@
 #include "afiliacion/afiliacion.h"
 
 #include <algorithm>
-#include <system_error>
 
 #include "fan/empleador.h"
 #include "shell/asistente.h"
@@ -14,7 +13,6 @@
 
 namespace valdor {
 
-namespace fs = std::filesystem;
 
 // ---- Texts and headers ----------------------------------------------------------------------
 
@@ -361,21 +359,12 @@ std::optional<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio&
   Globales& g = programa.g;
   Dialogos& dialogos = programa.dialogos();
   afi.progreso = 0;
-  if (recorta(g.RUTAWS).empty()) {
-    dialogos.mensaje("RUTA NO VALIDA PARA WINSUITE",
-                     "Debe indicar una ruta válida para el fichero WINSUITE. Pinche sobre la lupa para seleccionar la "
-                     "ubicación del fichero."_cp,
-                     Icono::Exclamacion);
-    return std::nullopt;
-  }
-  g.FICHEROSALIDA = rutaFicheroAFI(g.RUTAWS, pagina);
-  const fs::path destino = rutaNativa(g.FICHEROSALIDA, programa.entornoWine);
-  std::error_code ec;
-  fs::remove(destino, ec);
+  const auto destino = destinoIntercambio(programa, rutaFicheroAFI(g.RUTAWS, pagina));
+  if (!destino) return std::nullopt;
 
   int escritos = 0;
   try {
-    FicheroRegistros fichero(destino);
+    FicheroRegistros fichero(*destino);
     auto imprime = [&](std::string_view linea) { fichero.imprime(izquierda(linea, 70)); };
     imprime(g.LINEAETI);
     imprime(g.LINEASIL);

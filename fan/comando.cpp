@@ -1,6 +1,5 @@
 #include "fan/comando.h"
 
-#include <system_error>
 
 #include "fan/empleador.h"
 #include "fan/seleccion.h"
@@ -13,7 +12,6 @@
 
 namespace valdor {
 
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -202,26 +200,15 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
 
   motor.COTVAL(programa, sel);
 
-  // Without the tool's route there is no folder to write into.
-  if (recorta(g.RUTAWS).empty()) {
-    dialogos.mensaje("RUTA NO VALIDA PARA WINSUITE",
-                     "Debe indicar una ruta válida para el fichero WINSUITE. Pinche sobre la lupa para seleccionar la "
-                     "ubicación del fichero."_cp,
-                     Icono::Exclamacion);
-    return std::nullopt;
-  }
-
-  g.FICHEROSALIDA = rutaFicheroFAN(g.RUTAWS, pagina);
-  const fs::path destino = rutaNativa(g.FICHEROSALIDA, programa.entornoWine);
-  std::error_code ec;
-  fs::remove(destino, ec);  // a file that is not there is no error
+  const auto destino = destinoIntercambio(programa, rutaFicheroFAN(g.RUTAWS, pagina));
+  if (!destino) return std::nullopt;
   g.FICHEROEDITADO = g.FICHEROSALIDA;
 
   int marcadas = 0;
   for (const FilaEmpresa& f : sel.grid) marcadas += f.marcada ? 1 : 0;
 
   try {
-    FicheroRegistros fichero(destino);
+    FicheroRegistros fichero(*destino);
     fichero.imprime(registro70(g.LINEAETI));
     sel.CUENTAEMPRESAS = 0;
     EstadoBloques estado;

@@ -1,5 +1,7 @@
 #include "shell/asistente.h"
 
+#include <system_error>
+
 #include "shell/programa.h"
 #include "stores/literales.h"
 #include "stores/numeros.h"
@@ -180,6 +182,21 @@ void lanzaWinsuite(Programa& programa, Lanzador& lanzador, const EntornoWine& en
   fichero.lee(programa.registro);
   programa.g.LANZADOR = programa.registro.RUTAWINSUITE;
   if (!recorta(programa.g.LANZADOR).empty()) lanzador.lanza(ordenDeArranque(programa.g.LANZADOR, {}, entorno));
+}
+
+std::optional<std::filesystem::path> destinoIntercambio(Programa& programa, const std::string& ruta) {
+  if (recorta(programa.g.RUTAWS).empty()) {
+    programa.dialogos().mensaje("RUTA NO VALIDA PARA WINSUITE",
+                                "Debe indicar una ruta válida para el fichero WINSUITE. Pinche sobre la lupa para "
+                                "seleccionar la ubicación del fichero."_cp,
+                                Icono::Exclamacion);
+    return std::nullopt;
+  }
+  programa.g.FICHEROSALIDA = ruta;
+  const std::filesystem::path destino = rutaNativa(ruta, programa.entornoWine);
+  std::error_code ec;
+  std::filesystem::remove(destino, ec);
+  return destino;
 }
 
 // ---- fan2 ---------------------------------------------------------------------------------

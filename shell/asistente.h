@@ -8,6 +8,7 @@
 
 #include <filesystem>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -125,6 +126,11 @@ std::string rutaFicheroFAN(std::string_view RUTAWS, const PaginaIntercambio& pag
 // The path of the AFI writer: root, "\VIPTC2\", "FAN\" or "AFI\" by the first option,
 // and the name.
 std::string rutaFicheroAFI(std::string_view RUTAWS, const PaginaIntercambio& pagina);
+
+// The start of a writer: without the tool's route there is no folder to write into, and
+// the user is told so (std::nullopt). Otherwise FICHEROSALIDA := `ruta`, the old file of
+// that name is deleted (a file that is not there is no error), and its native path returned.
+std::optional<std::filesystem::path> destinoIntercambio(Programa& programa, const std::string& ruta);
 
 // The "Winsuite" command of the main window: read the settings (holding the lock while
 // reading), LANZADOR := RUTAWINSUITE, and when it is not blank start it without

@@ -32,4 +32,16 @@ void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes) {
   f.write(bytes.data(), static_cast<std::streamsize>(bytes.size()));
 }
 
+std::vector<std::string> registros(const std::filesystem::path& ruta) {
+  const std::string bytes = leeBytes(ruta);
+  std::vector<std::string> r;
+  for (std::size_t p = 0; p < bytes.size();) {
+    const std::size_t fin = bytes.find("\r\n", p);
+    r.push_back(bytes.substr(p, fin == std::string::npos ? std::string::npos : fin - p));
+    if (fin == std::string::npos) break;
+    p = fin + 2;
+  }
+  return r;
+}
+
 }  // namespace valdor::pruebas

@@ -29,6 +29,9 @@ class CarpetaTemporal {
 // The whole content of a file as bytes ("" when missing), and a file written whole.
 std::string leeBytes(const std::filesystem::path& ruta);
 void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes);
+// The records of an exchange file, each without its CR LF (a last piece without one is
+// given as it stands).
+std::vector<std::string> registros(const std::filesystem::path& ruta);
 
 class DialogosGrabador : public Dialogos {
  public:

@@ -152,14 +152,7 @@ struct Modulo {
     programa.g.LINEASIL = "SIL";
   }
   std::vector<std::string> lineasDelFichero() const {
-    const std::string bytes = pruebas::leeBytes(c / "wine/drive_c/WINSUITE/VIPTC2/AFI/AFI00001.AFI");
-    std::vector<std::string> r;
-    for (std::size_t p = 0; p < bytes.size();) {
-      const std::size_t fin = bytes.find("\r\n", p);
-      r.push_back(bytes.substr(p, fin - p));
-      p = fin + 2;
-    }
-    return r;
+    return pruebas::registros(c / "wine/drive_c/WINSUITE/VIPTC2/AFI/AFI00001.AFI");
   }
   CarpetaTemporal c;
   Carpetas carpetas{c / "programa", c / "trabajo"};

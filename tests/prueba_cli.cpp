@@ -150,14 +150,8 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   ASSERT_EQ(r.estado, 0) << r.errores;
   const fs::path fichero = c / "wine/drive_c/WINSUITE/VIPTC2/FAN/F1511260.FAN";
   EXPECT_TRUE(r.salida.ends_with(fichero.string() + "\n")) << r.salida;
-  std::vector<std::string> lineas;
-  const std::string bytes = pruebas::leeBytes(fichero);
-  for (std::size_t p = 0; p < bytes.size();) {
-    const std::size_t fin = bytes.find("\r\n", p);
-    ASSERT_NE(fin, std::string::npos);
-    lineas.push_back(bytes.substr(p, fin - p));
-    p = fin + 2;
-  }
+  ASSERT_TRUE(pruebas::leeBytes(fichero).ends_with("\r\n"));
+  const std::vector<std::string> lineas = pruebas::registros(fichero);
   ASSERT_GE(lineas.size(), 10u);
   for (std::size_t i = 0; i + 1 < lineas.size(); ++i) EXPECT_EQ(lineas[i].size(), 70u) << lineas[i];
   EXPECT_EQ(lineas[0].substr(0, 13), "ETITC220VIP28");

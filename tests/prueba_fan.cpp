@@ -216,14 +216,7 @@ struct Intercambio {
     programa.almacenes.temporal.ejecuta("INSERT INTO TMPVALDOR VALUES (?, ?, ?, ?)", {emp, tra, tipo, texto});
   }
   std::vector<std::string> lineas() const {
-    const std::string bytes = pruebas::leeBytes(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/PRUEBA01.FAN");
-    std::vector<std::string> r;
-    for (std::size_t p = 0; p < bytes.size();) {
-      const std::size_t fin = bytes.find("\r\n", p);
-      r.push_back(bytes.substr(p, fin - p));
-      p = fin + 2;
-    }
-    return r;
+    return pruebas::registros(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/PRUEBA01.FAN");
   }
   CarpetaTemporal c;
   Carpetas carpetas{c / "programa", c / "trabajo"};
