@@ -118,15 +118,14 @@ void BONIFICACIONES(Tabla& BONIFI, std::string_view TRA4010, std::string_view TR
   GRID1.blanqueaYEscribe(fila, 28, BONIFI.texto("BONCS"));
 }
 
+std::string claveBonifica(std::string_view CODCONT) {
+  if (CODCONT.size() != 3) return recorta(CODCONT);
+  return textoGeneral(valorNumerico(CODCONT.substr(0, 1))) + std::string(CODCONT.substr(1, 2));
+}
+
 void LEEBONIFICA(Tabla& BONIFI, VariablesCalculo& v, int periodo) {
   BONIFI.indice("BNNU");
-  std::string clave;
-  if (v.CODCONT.size() != 3) {
-    clave = recorta(v.CODCONT);
-  } else {
-    clave = textoGeneral(valorNumerico(v.CODCONT.substr(0, 1))) + v.CODCONT.substr(1, 2);
-  }
-  if (!BONIFI.busca("=", {Valor(clave)})) return;
+  if (!BONIFI.busca("=", {Valor(claveBonifica(v.CODCONT))})) return;
 
   const std::string_view sufijo = periodo == 2 ? kSufijos[1] : periodo == 3 ? kSufijos[2] : kSufijos[0];
   cargaPorcentajes(BONIFI, sufijo, v);

@@ -3,6 +3,7 @@
 // BONIFI row, and the fixed reduced percentage of the worker's TRA39 key.
 #pragma once
 
+#include <string>
 #include <string_view>
 
 #include "engine/estado.h"
@@ -28,6 +29,9 @@ void BONIFICACIONES(Tabla& BONIFI, std::string_view TRA4010, std::string_view TR
 // characters is sought as the number of its first character followed by the other two;
 // any other code is sought trimmed. A missing row changes nothing.
 void LEEBONIFICA(Tabla& BONIFI, VariablesCalculo& v, int periodo);
+
+// The key of CODCONT in the bonus table, as LEEBONIFICA seeks it.
+std::string claveBonifica(std::string_view CODCONT);
 
 // The TRA39 rule, after BONIFICACIONES: a TRA39V key of 1 to 5 fixes the common
 // percentage at 50 to 90 (BONMODO 1), 6 at 100 (BONMODO 2), any other key above 0 keeps

@@ -51,12 +51,19 @@ void COTVAL::LEETRABAJADOR() {
 }
 
 void COTVAL::LEEEPIGRAFE() {
-  Tabla& epigra = programa_.almacenes.EPIGRA;
-  if (!epigra.indice("EGNU") || !epigra.busca("=", {v.EPIBUSCA})) return;
-  const double ilt = epigra.numero("ILT");
-  const double ims = epigra.numero("IMS");
-  v.TIPOILT = v.FLAGDECIMAL != 0 ? ilt : REDONDEA2(ilt);
-  v.TIPOIMS = v.FLAGDECIMAL != 0 ? ims : REDONDEA2(ims);
+  auto [sitio, nuevo] = epigrafes_.try_emplace(v.EPIBUSCA);
+  RatesEpigrafe& r = sitio->second;
+  if (nuevo) {
+    Tabla& epigra = programa_.almacenes.EPIGRA;
+    r.hallado = epigra.indice("EGNU") && epigra.busca("=", {v.EPIBUSCA});
+    if (r.hallado) {
+      r.ILT = epigra.numero("ILT");
+      r.IMS = epigra.numero("IMS");
+    }
+  }
+  if (!r.hallado) return;
+  v.TIPOILT = v.FLAGDECIMAL != 0 ? r.ILT : REDONDEA2(r.ILT);
+  v.TIPOIMS = v.FLAGDECIMAL != 0 ? r.IMS : REDONDEA2(r.IMS);
 }
 
 double COTVAL::claseJornada(std::string_view empresa, std::string_view trabajador) {
@@ -209,6 +216,7 @@ void COTVAL::CALCULAEMPRESAS(const COTIZACION& sel) {
     GRID1.LIMPIAGRID();
     filaDeTrabajo(f);
     if (CALCULATRABAJADOR) CALCULATRABAJADOR(*this);
+    if (trabajadorCalculado) trabajadorCalculado(*this);
   }
 }
 

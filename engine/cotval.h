@@ -8,6 +8,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 
 #include "engine/estado.h"
 #include "stores/almacen.h"
@@ -43,6 +44,7 @@ std::string claveContrato(std::string_view BCONT);
 class COTVAL {
  public:
   explicit COTVAL(Programa& programa);
+  Programa& programa() { return programa_; }
 
   BOLETIN boletin;
   CajasBoletin cajas;
@@ -53,6 +55,9 @@ class COTVAL {
 
   // The step that derives the worker's statement from row 1 of GRID1.
   std::function<void(COTVAL&)> CALCULATRABAJADOR;
+  // Told after each worker's statement is derived, with the statement and row 1 of GRID1
+  // as they stand: the desktop shows them.
+  std::function<void(const COTVAL&)> trabajadorCalculado;
 
   // CARGAEMPRESA: the statement cleared, then the employer loaded when `clave` is found in
   // ESA. The per-worker run passes an empty key, which finds nothing.
@@ -78,6 +83,13 @@ class COTVAL {
 
  private:
   Programa& programa_;
+  // The epigraph rates found in this run, by key: the tariff does not change during a
+  // run, and every row looks up at least two epigraphs.
+  struct RatesEpigrafe {
+    bool hallado = false;
+    double ILT = 0, IMS = 0;
+  };
+  std::unordered_map<std::string, RatesEpigrafe> epigrafes_;
 };
 
 }  // namespace valdor

@@ -69,13 +69,11 @@ void VUELCABOLETIN(const CajasBoletin& cajas, BOLETIN& b) {
     if (d.caja > 0) b.*d.campo = cajas[static_cast<std::size_t>(d.caja)];
 }
 
-namespace {
 int cajaDe(CampoFijo BOLETIN::*campo) {
   for (const auto& d : BOLETIN::campos())
     if (d.campo == campo) return d.caja;
   return 0;
 }
-}  // namespace
 
 void muestraFigura(BOLETIN& b, CajasBoletin& cajas, CampoFijo BOLETIN::*campo, std::string_view texto) {
   b.*campo = texto;

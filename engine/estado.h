@@ -64,6 +64,9 @@ struct BOLETIN {
   static const std::vector<Descripcion>& campos();
 };
 
+// The box that shows a field (0: none).
+int cajaDe(CampoFijo BOLETIN::*campo);
+
 // BLANQUEABOLETIN: every field filled with as many blanks as its width.
 void BLANQUEABOLETIN(BOLETIN& b);
 // VACIABOLETIN: the public company variable and every statement box emptied.

@@ -4,6 +4,7 @@
 #include "fan/seleccion.h"
 #include "shell/programa.h"
 #include "statement/ficherotipos.h"
+#include "statement/liquidacion.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
 
@@ -26,6 +27,10 @@ void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   Almacenes& a = programa.almacenes;
   valdor::COTVAL calculo(programa);
   preparaCOTVAL(programa, sel, calculo);
+  calculo.trabajadorCalculado = trabajadorCalculado;
+  Liquidacion liquidacion(calculo, programa);
+  calculo.CALCULATRABAJADOR = [&liquidacion](valdor::COTVAL&) { liquidacion.CALCULATRABAJADOR(); };
+  programa.g.LINEALARGA = 0;
   a.CREAILTS();
   a.ABREILTS();
   a.CREAFORMACION();
@@ -37,8 +42,12 @@ void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   {
     // One read lock per store for the whole run, instead of one per read.
     LecturaContinua l1(a.periodo), l2(a.producto), l3(a.empresas), l4(a.constant), l5(a.desempleo),
-        l6(a.bonifica), l7(a.formacion), l8(a.ilts);
+        l6(a.bonifica), l7(a.formacion), l8(a.ilts), l9(a.convenio), l10(a.tipodoc);
+    // The worker's lines of the whole run go to the temp store in one write.
+    std::optional<Transaccion> lineas;
+    if (a.temporal.abierto()) lineas.emplace(a.temporal);
     calculo.CALCULAEMPRESAS(sel);
+    if (lineas) lineas->confirma();
   }
   a.CIERRAPERIODO();
   a.CIERRAFORMACION();

@@ -2,6 +2,8 @@
 // marked companies, with the stores it reads opened around it.
 #pragma once
 
+#include <functional>
+
 #include "fan/comando.h"
 
 namespace valdor {
@@ -10,6 +12,9 @@ class COTVAL;
 
 class MotorCalculo : public MotorCotizacion {
  public:
+  // Told after each worker's statement (see COTVAL::trabajadorCalculado).
+  std::function<void(const valdor::COTVAL&)> trabajadorCalculado;
+
   // The period from the selection, the rates of the year (for the training-hour prices),
   // the month, sick-day and training stores opened, CALCULAEMPRESAS, the stores closed.
   void COTVAL(Programa& programa, COTIZACION& sel) override;

@@ -170,14 +170,7 @@ fs::path ficheroTiposDe(const fs::path& carpeta, int ano, int mes, std::string_v
   return general;
 }
 
-namespace {
-
-// 6 blanks and the first 5 characters of the trimmed general text of `valor`.
-std::string tipoPartido(double valor) {
-  return std::string(6, ' ') + izquierda(recorta(textoGeneral(valor)), 5);
-}
-
-}  // namespace
+std::string tipoPartido(double valor) { return std::string(6, ' ') + izquierda(recorta(textoGeneral(valor)), 5); }
 
 bool LEETIPOS(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa, TiposLeidos& t) {
   if (ano <= 1900 || ano >= 2050) return false;

@@ -107,6 +107,10 @@ struct TiposLeidos {
   std::array<std::string, 29> campo3{};
 };
 
+// A share of the common-contingency rate as the statement writes it: 6 blanks and the
+// first 5 characters of the trimmed general text of `valor`.
+std::string tipoPartido(double valor);
+
 // LEETIPOS: the rates of the month's file for year `ano` (the employer's own file when
 // it has one). A year of 1900 or less, or of 2050 or more, reads nothing: false, and `t`
 // stays as it was. Otherwise records 12, 13, 15, 16, 19, 20, 21, 22, 23, 24, 26, 27 and

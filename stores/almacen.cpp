@@ -277,6 +277,12 @@ std::string Sentencia::nombreColumna(int i) const {
 }
 
 Valor Sentencia::valor(int i) const {
+  const char* declarado = sqlite3_column_decltype(st_, i);
+  int ancho = 0;
+  return valorComo(i, declarado ? tipoDeclarado(declarado, ancho) : TipoColumna::Texto);
+}
+
+Valor Sentencia::valorComo(int i, TipoColumna tipo) const {
   switch (sqlite3_column_type(st_, i)) {
     case SQLITE_NULL:
       return {};
@@ -285,11 +291,9 @@ Valor Sentencia::valor(int i) const {
       return Valor(sqlite3_column_double(st_, i));
     default: {
       const auto* p = reinterpret_cast<const char*>(sqlite3_column_text(st_, i));
-      const std::string texto = utf8ACp1252({p ? p : "", static_cast<std::size_t>(sqlite3_column_bytes(st_, i))});
-      const char* declarado = sqlite3_column_decltype(st_, i);
-      int ancho = 0;
-      if (declarado && tipoDeclarado(declarado, ancho) == TipoColumna::Fecha) return Valor(isoADMA(texto));
-      return Valor(texto);
+      std::string texto = utf8ACp1252({p ? p : "", static_cast<std::size_t>(sqlite3_column_bytes(st_, i))});
+      if (tipo == TipoColumna::Fecha) return Valor(isoADMA(texto));
+      return Valor(std::move(texto));
     }
   }
 }
@@ -333,6 +337,8 @@ void Tabla::abre(Almacen& almacen, std::string_view nombre) {
     posiciones_.emplace(mayusculasAscii(c.nombre), static_cast<int>(columnas_.size()));
     columnas_.push_back(std::move(c));
   }
+  listaColumnas_ = "rowid";
+  for (const DefColumna& c : columnas_) listaColumnas_ += ", " + comillaIdentificador(c.nombre);
   almacen_ = &almacen;
   apertura_ = almacen.apertura();
   alPrincipio_ = true;
@@ -349,6 +355,8 @@ void Tabla::cierra() noexcept {
   lote_.clear();
   edicion_.reset();
   sentencias_.clear();
+  listaColumnas_.clear();
+  ultimaBusca_.reset();
   sinCoincidencia_ = false;
   alPrincipio_ = false;
 }
@@ -386,11 +394,7 @@ bool Tabla::indice(std::string_view nombre) {
   return true;
 }
 
-std::string Tabla::listaColumnas() const {
-  std::string r = "rowid";
-  for (const DefColumna& c : columnas_) r += ", " + comillaIdentificador(c.nombre);
-  return r;
-}
+const std::string& Tabla::listaColumnas() const { return listaColumnas_; }
 
 std::string Tabla::expresionClave(std::size_t k, bool parametro) const {
   const DefColumna& c = columnas_[static_cast<std::size_t>(claves_[k])];
@@ -452,12 +456,14 @@ Tabla::Fila Tabla::leeFila(const Sentencia& s) const {
   Fila f;
   f.rowid = static_cast<std::int64_t>(s.valor(0).numero());
   f.valores.reserve(columnas_.size());
-  for (std::size_t i = 0; i < columnas_.size(); ++i) f.valores.push_back(s.valor(static_cast<int>(i) + 1));
+  for (std::size_t i = 0; i < columnas_.size(); ++i)
+    f.valores.push_back(s.valorComo(static_cast<int>(i) + 1, columnas_[i].tipo));
   return f;
 }
 
 void Tabla::ponActual(std::optional<Fila> fila, bool alPrincipio) {
   actual_ = std::move(fila);
+  ultimaBusca_.reset();
   alPrincipio_ = !actual_ && alPrincipio;
   borrada_ = false;
   lote_.clear();
@@ -527,7 +533,20 @@ bool Tabla::busca(std::string_view comparacion, const std::vector<Valor>& claves
     return false;
   }
   const std::size_t n = std::min(claves.size(), claves_.size());
-  const std::vector<Valor> parametros = clavesParaBuscar(claves, n);
+  std::vector<Valor> parametros = clavesParaBuscar(claves, n);
+  // Inside a transaction the store cannot change under this connection but through it,
+  // so a seek for the row the cursor already stands on, with nothing written since,
+  // finds that row again without asking the store.
+  sqlite3* db = almacen_->conexion();
+  const bool estable = !sqlite3_get_autocommit(db);
+  if (comparacion == "=" && estable && ultimaBusca_ && actual_ && !borrada_ && !edicion_ &&
+      ultimaBusca_->indice == indice_ && ultimaBusca_->cambios == sqlite3_total_changes64(db) &&
+      ultimaBusca_->claves == parametros) {
+    lote_.clear();
+    sinCoincidencia_ = false;
+    return true;
+  }
+  ultimaBusca_.reset();
   std::string donde;
   bool descendente = false;
   if (comparacion == "=") {
@@ -541,6 +560,8 @@ bool Tabla::busca(std::string_view comparacion, const std::vector<Valor>& claves
   }
   ponActual(unaFila(donde, parametros, descendente), false);
   sinCoincidencia_ = !actual_;
+  if (comparacion == "=" && estable && actual_)
+    ultimaBusca_ = BuscaHecha{indice_, std::move(parametros), sqlite3_total_changes64(db)};
   return actual_.has_value();
 }
 
@@ -588,6 +609,7 @@ void Tabla::siguiente() {
       return;
     }
   }
+  ultimaBusca_.reset();
   actual_ = std::move(lote_.back());
   lote_.pop_back();
   borrada_ = false;

@@ -221,6 +221,8 @@ class Sentencia {
   std::string nombreColumna(int i) const;
   // The value of result column i (0-based): ISO dates of a DATE column as "dd/mm/yyyy".
   Valor valor(int i) const;
+  // The same for a column whose type the caller knows (a date column reads "dd/mm/yyyy").
+  Valor valorComo(int i, TipoColumna tipo) const;
   bool valida() const { return st_ != nullptr; }
 
  private:
@@ -321,7 +323,7 @@ class Tabla {
   bool disponible();
   void exigeAbierta();
   int posicionColumna(std::string_view columna) const;
-  std::string listaColumnas() const;
+  const std::string& listaColumnas() const;
   std::string expresionClave(std::size_t k, bool parametro) const;
   std::string ordenIndice(bool descendente) const;
   std::string comparacionClaves(std::string_view op, std::size_t n, bool conRowid) const;
@@ -348,6 +350,15 @@ class Tabla {
   bool sinCoincidencia_ = false;
   std::optional<Edicion> edicion_;
   std::vector<Fila> lote_;  // the rows after the current one, last first
+  std::string listaColumnas_;
+  // The last "=" seek that found a row inside a transaction: the index, the keys, and
+  // the store's count of changes at that moment.
+  struct BuscaHecha {
+    std::string indice;
+    std::vector<Valor> claves;
+    std::int64_t cambios = 0;
+  };
+  std::optional<BuscaHecha> ultimaBusca_;
   std::uint64_t generacionLote_ = 0;
   std::unordered_map<std::string, Sentencia> sentencias_;  // prepared once per SQL text
 };

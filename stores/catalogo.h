@@ -102,6 +102,9 @@ class Almacenes {
   Tabla TDOCUMENTO;
   Almacen cuentas;
   Tabla CUENTASTAB;
+  // The company's deduction concepts: a public handle that no open procedure opens, so
+  // in a normal run it reads as an empty table and the statement has no deductions.
+  Tabla DESCUENTOS;
 
   // ---- Create, open, close ----
   // A create makes the store when its file is missing and stops quietly when it

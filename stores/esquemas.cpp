@@ -192,6 +192,13 @@ const DefTabla& CUENTASTAB() {
   return t;
 }
 
+const DefTabla& DESCUENTOS() {
+  static const DefTabla t{"DESCUENTOS",
+                          {texto("DESPATEMP", 11), doble("DESCASILLA"), doble("DESSOBRE"), doble("DESNUMERO")},
+                          {DefIndice{"DESCUNUM", {"DESPATEMP", "DESCASILLA"}, false, false}}};
+  return t;
+}
+
 std::span<const DefTabla> tablasCONVENIO() {
   static const std::array<DefTabla, 6> t{
       DefTabla{"CONVEN", {texto("EB11", 5), texto("CTC2", 7)}, {primario("INUM", {"EB11"})}},

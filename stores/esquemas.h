@@ -25,6 +25,9 @@ const DefTabla& ILTS();        // "ILTS.MDB"
 const DefTabla& FORMACION();   // "FORMACION.MDB"
 const DefTabla& TDOCUMENTO();  // "TIPO DE DOCUMENTO.MDB"
 const DefTabla& CUENTASTAB();  // "CUENTAS BANCARIAS EMPRESAS.MDB"
+// The company's deduction concepts. No store of the system holds this table; a build
+// that keeps one opens it on the DESCUENTOS handle.
+const DefTabla& DESCUENTOS();
 
 // Master stores, table by table in the catalogue's order.
 std::span<const DefTabla> tablasCONVENIO();   // CONVEN, CATEG, CONVEPAGAS, CONVEANTI, CATEGORIAANTI, CATEGORIAPAGAS

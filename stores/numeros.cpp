@@ -392,6 +392,20 @@ std::string formateaTexto(std::string_view valor, std::string_view picture, Sepa
 
 double REDONDEA2(double valor) {
   if (!std::isfinite(valor)) return valor;
+  // Below 1e9 the 15 significant digits reach well past the cents, so away from a tie
+  // the rounding of the digit text and the rounding of the binary value agree, and the
+  // cents divided by 100 are the double nearest to the decimal figure, as its text
+  // would read back. Near a tie, and for larger values, the digit text decides.
+  const double x = std::fabs(valor);
+  if (x < 1e9) {
+    const double centesimas = x * 100;
+    const double fraccion = centesimas - std::floor(centesimas);
+    if (std::fabs(fraccion - 0.5) > 1e-4) {
+      const double n = std::floor(centesimas + 0.5);
+      if (n == 0) return 0.0;
+      return (valor < 0 ? -n : n) / 100;
+    }
+  }
   // The text of a finite value always reads back under the same separators.
   return convierteNumero(formatea(valor, "##,##.00")).value_or(0.0);
 }

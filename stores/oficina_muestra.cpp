@@ -786,6 +786,7 @@ std::vector<Lote> oficinaRica(const Periodo& p) {
     a.COZ1 = 4;
     a.COZ2 = 16;
     a.COZ3 = 58.00;
+    a.BHOIL = 16;  // the days of leave of the month, maternity included
     a.BB6 = 812.00;
     a.BB8 = 812.00;
     a.bajas.push_back({p, 0, 0, 16});
@@ -1100,6 +1101,8 @@ Lote loteGenerado(int i, int trabajadores, const Periodo& p) {
 //       accidents, g4 2.00 the employer's vocational training
 //   24  per head: h1 4.07 wage guarantee fund, h3 2.26 vocational training
 //   26  per head of the contracts 85 and 97: k1 53.61 and k2 10.69 common contingencies
+//   27  the hour prices of the training of the contracts 85 and 97: 4.00 at a distance,
+//       8.00 on site
 //   28  employer's unemployment by unemployment class: r2 6.70, r3 6.70, r4 0
 std::vector<std::array<std::string, 4>> tiposDelAno() {
   std::vector<std::array<std::string, 4>> r(28);
@@ -1113,6 +1116,7 @@ std::vector<std::array<std::string, 4>> tiposDelAno() {
   r[22] = {"53.61", "10.69", "7.38", "2.00"};
   r[23] = {"4.07", "", "2.26", ""};
   r[25] = {"53.61", "10.69", "", ""};
+  r[26] = {"4.00", "8.00", "", ""};
   r[27] = {"6.70", "6.70", "0", ""};
   return r;
 }

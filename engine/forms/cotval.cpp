@@ -5,8 +5,10 @@
 #include <QTimer>
 #include <QVBoxLayout>
 
+#include "engine/cotval.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/programa.h"
+#include "statement/forms/boletin.h"
 
 namespace valdor::formularios {
 
@@ -15,7 +17,7 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
   setObjectName(QStringLiteral("COTVAL"));
   setWindowTitle(QStringLiteral("Boletín de cotización a la Seguridad Social"));
   setModal(true);
-  resize(520, 140);
+  resize(1024, 720);
   etiqueta1_ = new QLabel(this);
   etiqueta1_->setObjectName(QStringLiteral("Label1"));
   etiqueta2_ = new QLabel(this);
@@ -27,6 +29,8 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
   capa->addWidget(etiqueta1_);
   capa->addWidget(etiqueta2_);
   capa->addWidget(progreso_);
+  vista_ = new VistaBoletin(this);
+  capa->addWidget(vista_, 1);
 
   if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, this,
@@ -34,7 +38,10 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
               etiqueta1_->setText(e1);
               etiqueta2_->setText(e2);
               progreso_->setValue(porcentaje);
-              repaint();
+              // Only the progress is drawn for every worker; the statement has its own pace.
+              etiqueta1_->repaint();
+              etiqueta2_->repaint();
+              progreso_->repaint();
             });
   // The run starts when the window is on screen, and the window goes when it ends.
   QTimer::singleShot(0, this, [this] { ejecuta(); });
@@ -42,11 +49,31 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
 
 void COTVAL::ejecuta() {
   try {
-    MotorCalculo().COTVAL(programa_, seleccion_);
+    MotorCalculo motor;
+    motor.trabajadorCalculado = [this](const valdor::COTVAL& calculo) { trabajadorCalculado(calculo); };
+    motor.COTVAL(programa_, seleccion_);
   } catch (const std::exception& e) {
     avisaError(programa_.dialogos(), e);
   }
+  if (pendiente_) {
+    vista_->muestra(cajasPendientes_, hojaPendiente_);
+    pendiente_ = false;
+    vista_->repaint();
+  }
   accept();
+}
+
+void COTVAL::trabajadorCalculado(const valdor::COTVAL& calculo) {
+  if (!reloj_.isValid() || reloj_.elapsed() >= INTERVALO) {
+    vista_->muestra(calculo);
+    vista_->repaint();
+    pendiente_ = false;
+    reloj_.start();
+  } else {
+    cajasPendientes_ = calculo.cajas;
+    hojaPendiente_ = hojaTC2(calculo.GRID1);
+    pendiente_ = true;
+  }
 }
 
 void MotorEscritorio::COTVAL(Programa& programa, valdor::COTIZACION& sel) {

@@ -1,16 +1,22 @@
 // COTVAL on the desktop: the statement run's own modal window. It starts its run once it
 // is on screen (a one-shot timer), shows the company and the worker being calculated
-// with the percentage, and closes itself at the end.
+// with the percentage and, under them, the statement of the worker just calculated
+// (the VistaBoletin "VistaBoletin"), and closes itself at the end.
 #pragma once
 
 #include <QDialog>
+#include <QElapsedTimer>
 
+#include "engine/estado.h"
 #include "engine/motor.h"
+#include "statement/hojatc2.h"
 
 class QLabel;
 class QProgressBar;
 
 namespace valdor::formularios {
+
+class VistaBoletin;
 
 class COTVAL : public QDialog {
   Q_OBJECT
@@ -20,12 +26,22 @@ class COTVAL : public QDialog {
 
  private:
   void ejecuta();
+  // A month may have tens of thousands of workers: a statement is drawn at most every
+  // INTERVALO milliseconds, and the one not drawn is kept so that the last worker's
+  // statement is the one on screen at the end.
+  void trabajadorCalculado(const valdor::COTVAL& calculo);
+  static constexpr qint64 INTERVALO = 100;
 
   Programa& programa_;
   valdor::COTIZACION& seleccion_;
   QLabel* etiqueta1_ = nullptr;
   QLabel* etiqueta2_ = nullptr;
   QProgressBar* progreso_ = nullptr;
+  VistaBoletin* vista_ = nullptr;
+  QElapsedTimer reloj_;
+  bool pendiente_ = false;  // a worker calculated since the last drawing
+  CajasBoletin cajasPendientes_;
+  HojaTC2 hojaPendiente_;
 };
 
 // The engine as the desktop runs it: the statement run inside its modal window.

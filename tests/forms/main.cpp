@@ -7,6 +7,7 @@ int ejecutaPruebaAsistente(int argc, char** argv);
 int ejecutaPruebaConfiguracion(int argc, char** argv);
 int ejecutaPruebaAfilia(int argc, char** argv);
 int ejecutaPruebaCotizacion(int argc, char** argv);
+int ejecutaPruebaBoletin(int argc, char** argv);
 }  // namespace valdor::pruebas
 
 int main(int argc, char** argv) {
@@ -14,7 +15,7 @@ int main(int argc, char** argv) {
   using namespace valdor::pruebas;
   int fallos = 0;
   for (auto prueba : {ejecutaPruebaPrincipal, ejecutaPruebaAsistente, ejecutaPruebaConfiguracion, ejecutaPruebaAfilia,
-                      ejecutaPruebaCotizacion})
+                      ejecutaPruebaCotizacion, ejecutaPruebaBoletin})
     fallos += prueba(argc, argv);
   return fallos == 0 ? 0 : 1;
 }
