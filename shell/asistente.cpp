@@ -38,6 +38,11 @@ std::string_view textoNombreNoValido() {
          "caracteres.";
 }
 std::string_view tituloExcluidas() { return "Dortek.- Sistema Red"; }
+std::string_view textoLineaLarga() {
+  return "Algunas líneas de trabajadores pasaban de 70 caracteres y se han cortado al guardarlas. Revise el "
+         "fichero con el editor antes de enviarlo: un nombre, un documento o un convenio demasiado largos en "
+         "los datos de la nómina pueden ser la causa."_cp;
+}
 std::string_view textoExcluidas() {
   return "Algunas empresas no cumplen los requisito necesarios para procesar el fichero y su posterior "
          "envio a la seguridad social.";
@@ -234,6 +239,7 @@ void fan2(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio&
   }
   pagina.ponGuia(textoVerificarFan());
   if (g.HAYEXCLUIDAS == 1) dialogos.mensaje(tituloExcluidas(), textoExcluidas(), Icono::Informacion);
+  if (g.LINEALARGA == 1) dialogos.mensaje(tituloValdor(), textoLineaLarga(), Icono::Exclamacion);
   dialogos.puntero(Puntero::Normal);
   g.LANZADOR = mayusculas(recorta(g.RUTAWS));
   if (dialogos.pregunta(tituloValdor(), preguntaEditarFan()) && !g.LANZADOR.empty()) formularios.EDITOR();

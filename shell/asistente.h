@@ -32,6 +32,9 @@ std::string_view tituloNombreNoValido();    // "NOMBRE DE FICHERO NO VALIDO"
 std::string_view textoNombreNoValido();
 std::string_view tituloExcluidas();         // "Dortek.- Sistema Red"
 std::string_view textoExcluidas();
+// The warning at the end of a FAN run when a worker's line came out longer than 70
+// characters and was kept cut.
+std::string_view textoLineaLarga();
 std::string_view preguntaEditarFan();
 std::string_view tituloValdor();            // the program's own title for its boxes
 

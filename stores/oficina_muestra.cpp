@@ -1247,7 +1247,7 @@ ResumenMuestra escribeOficinaMuestra(const Carpetas& carpetas, const OpcionesMue
     escribeFicheroTipos(tipos, tiposDelAno());
     deshacer.anota(ajustes);
     FicheroAjustes fichero(carpetas.trabajo);
-    fichero.escribe({"731542", "SLC48213", std::string(RUTAWINSUITEPORDEFECTO), "15/03/2021"});
+    fichero.escribe({"20731542", "SLC48213", std::string(RUTAWINSUITEPORDEFECTO), "15/03/2021"});
     deshacer.anota(emisor);
     guardaEmisor(carpetas.trabajo, "GESTORÍA LABORAL DEL VALLE, S.L."_cp);
   } catch (const ErrorFicheroTipos& e) {

@@ -215,6 +215,37 @@ TEST(Almacen, BuscaYRecorreEnElOrdenDelIndiceAunqueSeEscribaDuranteElRecorrido) 
   EXPECT_EQ(t.texto("CODIGO"), "00600");
 }
 
+// Inside a transaction a seek for the key the cursor stands on is answered without the
+// store; anything written since, by this cursor or another, makes it ask again.
+TEST(Almacen, LaBusquedaRepetidaVeLoQueSeEscribioEntreTanto) {
+  CarpetaTemporal c;
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  Almacen::crea(c / "P.MDB", tablas);
+  Almacen a;
+  a.abre(c / "P.MDB");
+  Tabla t, otra;
+  t.abre(a, "PERSONAS");
+  otra.abre(a, "PERSONAS");
+  anade(t, "00001", "ANA", 1);
+  anade(t, "00002", "LUIS", 2);
+  Transaccion tr(a);
+  ASSERT_TRUE(t.indice("PORCODIGO"));
+  ASSERT_TRUE(otra.indice("PORCODIGO"));
+  ASSERT_TRUE(t.busca("=", {"00001"}));
+  ASSERT_TRUE(otra.busca("=", {"00001"}));
+  otra.edita();
+  otra.pon("IMPORTE", 10.0);
+  otra.actualiza();
+  ASSERT_TRUE(t.busca("=", {"00001"}));
+  EXPECT_EQ(t.numero("IMPORTE"), 10);
+  t.siguiente();  // moved away: the same key is sought again
+  ASSERT_TRUE(t.busca("=", {"00001"}));
+  EXPECT_EQ(t.texto("NOMBRE"), "ANA");
+  a.ejecuta("DELETE FROM PERSONAS WHERE CODIGO = '00001'");
+  EXPECT_FALSE(t.busca("=", {"00001"}));
+  tr.confirma();
+}
+
 TEST(Almacen, LosValoresQueNoCabenSeRechazanConUnMensajeClaro) {
   CarpetaTemporal c;
   const std::array<DefTabla, 1> tablas{PERSONAS};

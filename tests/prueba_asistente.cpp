@@ -152,12 +152,14 @@ struct FormulariosGuionados : FormulariosIntercambio {
     vistos += "COTIZACION ";
     if (cancela) programa.g.CANCELADO = 1;
     if (excluye) programa.g.HAYEXCLUIDAS = 1;
+    if (lineaLarga) programa.g.LINEALARGA = 1;
   }
   void AFILIA() override { vistos += "AFILIA "; }
   void EDITOR() override { vistos += "EDITOR "; }
   Programa& programa;
   bool cancela = false;
   bool excluye = false;
+  bool lineaLarga = false;
   std::string vistos;
 };
 
@@ -250,13 +252,17 @@ TEST(Asistente, Fan2TerminadoAvisaDeLasExcluidasOfreceElEditorYArrancaWinsuite) 
   p.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
   FormulariosGuionados f(p);
   f.excluye = true;
+  f.lineaLarga = true;
   o.dialogos.respuestas = {true};
   PaginaIntercambio pagina = paginaFan();
   fan2(p, pagina, f, o.lanzador, o.wine);
 
   EXPECT_EQ(f.vistos, "COTIZACION EDITOR ");
-  ASSERT_EQ(o.dialogos.mensajes.size(), 1u);
+  // The excluded companies first, then the lines cut at 70, before the editor's offer.
+  ASSERT_EQ(o.dialogos.mensajes.size(), 2u);
   EXPECT_EQ(o.dialogos.mensajes[0].titulo, "Dortek.- Sistema Red");
+  EXPECT_EQ(o.dialogos.mensajes[1].texto, textoLineaLarga());
+  EXPECT_EQ(o.dialogos.mensajes[1].icono, Icono::Exclamacion);
   ASSERT_EQ(o.dialogos.preguntas.size(), 1u);
   EXPECT_EQ(o.dialogos.preguntas[0].texto, preguntaEditarFan());
   EXPECT_EQ(pagina.Label3, std::string(textoActivaWinsuite()) + p.g.RUTAWS);

@@ -2,6 +2,8 @@
 // they write and their exit statuses.
 
 #include <gtest/gtest.h>
+
+#include <map>
 #include <sys/wait.h>
 
 #include <cstdlib>
@@ -153,13 +155,42 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   ASSERT_TRUE(pruebas::leeBytes(fichero).ends_with("\r\n"));
   const std::vector<std::string> lineas = pruebas::registros(fichero);
   ASSERT_GE(lineas.size(), 10u);
-  for (std::size_t i = 0; i + 1 < lineas.size(); ++i) EXPECT_EQ(lineas[i].size(), 70u) << lineas[i];
+  for (const std::string& l : lineas) EXPECT_EQ(l.size(), 70u) << l;
   EXPECT_EQ(lineas[0].substr(0, 13), "ETITC220VIP28");
-  EXPECT_EQ(lineas[0].substr(13, 8), "00731542");
-  // The trailer takes the sample's short authorisation key unfilled: two places short.
-  EXPECT_EQ(lineas.back().substr(0, 19), "ETFTC220VIP28731542");
-  EXPECT_EQ(lineas.back().substr(50, 7), "NP00004");
-  EXPECT_EQ(lineas.back().size(), 68u);
+  EXPECT_EQ(lineas[0].substr(13, 8), "20731542");
+  EXPECT_EQ(lineas.back().substr(0, 21), "ETFTC220VIP2820731542");
+  EXPECT_EQ(lineas.back().substr(52, 7), "NP00004");
+
+  // Every company's totals are the sums of its workers' amount lines: ED1 to BA01, ED2,
+  // ED3, EDE and EDA to BA02, EDM to BA21 and BA22, each CD line to the total of its key;
+  // ED4 has none.
+  std::map<std::string, long> sumas;
+  int empresas = 0, trabajadores = 0;
+  for (const std::string& l : lineas) {
+    const std::string clave = l.substr(0, 3);
+    if (clave == "EMP") {
+      for (const auto& [total, suma] : sumas) EXPECT_EQ(suma, 0) << "sin línea de total: " << total;
+      sumas.clear();
+      ++empresas;
+    } else if (clave == "TRA") {
+      ++trabajadores;
+    } else if (clave == "EDL") {
+      const long importe = std::stol(l.substr(10, 7));
+      const std::string tipo = l.substr(3, 7);
+      if (tipo == "BA01000") sumas["BA01000"] += importe;
+      if (tipo == "BA02000" || tipo == "BA10000") sumas["BA02000"] += importe;
+      if (tipo == "BA20000") sumas["BA21000"] += importe, sumas["BA22000"] += importe;
+      if (tipo.starts_with("CD")) sumas[tipo.substr(0, 4) + "000"] += importe;
+    } else if (clave == "EDT") {
+      const std::string tipo = l.substr(3, 7);
+      const long total = std::stol(tipo.starts_with("BA") ? l.substr(10, 11) : l.substr(30, 11));
+      EXPECT_EQ(total, sumas[tipo]) << l;
+      sumas[tipo] = 0;
+    }
+  }
+  for (const auto& [total, suma] : sumas) EXPECT_EQ(suma, 0) << "sin línea de total: " << total;
+  EXPECT_EQ(empresas, 4);
+  EXPECT_EQ(trabajadores, 14);
 
   // A company code the month does not have: told, and no file.
   r = valdor(c, {"fan", "--mes", "10", "--ano", "2026", "--empresas", "99999999999", "--nombre", "otro"});

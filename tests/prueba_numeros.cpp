@@ -64,6 +64,26 @@ TEST(Redondea2, DosDecimalesSinCeroNegativo) {
   EXPECT_EQ(REDONDEA2(std::string_view("")), 0.0);
 }
 
+// The quick rounding of ordinary figures must give the very double that the rounding of
+// the figure's 15-digit text gives, ties and near-ties included.
+TEST(Redondea2, ElAtajoDeLasCifrasCorrientesCoincideConElRedondeoDelTexto) {
+  auto porTexto = [](double x) { return convierteNumero(formatea(x, "##,##.00")).value_or(0.0); };
+  std::uint64_t semilla = 12345;
+  auto siguiente = [&semilla] {
+    semilla = semilla * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(semilla >> 11) / 9007199254740992.0;
+  };
+  for (int i = 0; i < 200000; ++i) {
+    const double escala = std::pow(10.0, static_cast<int>(siguiente() * 12) - 3);
+    const double x = (siguiente() - 0.5) * escala;
+    ASSERT_EQ(REDONDEA2(x), porTexto(x)) << x;
+    // Products and quotients of cents, where the binary value sits next to a tie.
+    const double cents = std::floor(siguiente() * 1e7) / 100;
+    for (double y : {cents * 50 / 100, cents * 30.9 / 100, cents / 30 * 20, cents + 0.005})
+      ASSERT_EQ(REDONDEA2(y), porTexto(y)) << y;
+  }
+}
+
 TEST(Camponum, CentimosConElRellenoDelanteDelSigno) {
   EXPECT_EQ(CAMPONUM("1234.56", 11, "0", true), "00000123456");
   EXPECT_EQ(CAMPONUM("-12.34", 11, "0", true), "000000-1234");

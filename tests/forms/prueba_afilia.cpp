@@ -25,11 +25,11 @@ namespace {
 const QString PENALARA = QStringLiteral("28107654331"), PANADERIA = QStringLiteral("41123409876"),
               CAFE = QStringLiteral("08198765453");
 
-// The lines of the default page of 15 November 2026, 07:30, with the settings 731542 and
+// The lines of the default page of 15 November 2026, 07:30, with the settings 20731542 and
 // SLC48213 and no keys; C = 3 companies, T = 2 + 2 * 3 + 6 * 4 + 1 = 33 lines.
-const std::string ETI = "ETI" "AFI31WS342" "00731542" "SLC48213" "20261115" "0730" "F1511260" "AFI" "N" " "
+const std::string ETI = "ETI" "AFI31WS342" "20731542" "SLC48213" "20261115" "0730" "F1511260" "AFI" "N" " "
                         "00000000000000" "  ";
-const std::string ETF = "ETFAFI31WS342" "731542  " "SLC48213" "20261115" "0730" "F1511260" "AFIN" " " "00003"
+const std::string ETF = "ETFAFI31WS342" "20731542" "SLC48213" "20261115" "0730" "F1511260" "AFIN" " " "00003"
                         "00000033" "   ";
 
 // The module as "&Aceptar" opens it on an affiliation page.

@@ -133,8 +133,8 @@ class PruebaAsistente : public QObject {
     });
     a.control<QPushButton>("Command3")->click();
     QCOMPARE(seleccion, QStringLiteral("COTIZACION"));
-    // The sample office's keys are 731542 and SLC48213.
-    QCOMPARE(a.programa.g.LINEAETI, std::string("ETI" "TC220VIP28" "00731542" "SLC48213" "20261115" "0730"
+    // The sample office's keys are 20731542 and SLC48213.
+    QCOMPARE(a.programa.g.LINEAETI, std::string("ETI" "TC220VIP28" "20731542" "SLC48213" "20261115" "0730"
                                                 "ABC00000" "FAN" "N" "P" "00000000000000" "  "));
     QVERIFY(a.o.dialogos.mensajes.empty());
     QVERIFY(a.o.dialogos.preguntas.empty());

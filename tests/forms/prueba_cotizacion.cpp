@@ -21,9 +21,9 @@ using Formulario = formularios::COTIZACION;
 
 namespace {
 
-// The ETI line of the sample office at MOMENTO: keys 731542 and SLC48213, a normal send
+// The ETI line of the sample office at MOMENTO: keys 20731542 and SLC48213, a normal send
 // under the default name.
-const std::string ETI = "ETI" "TC220VIP28" "00731542" "SLC48213" "20261115" "0730" "F1511260" "FAN" "N" " "
+const std::string ETI = "ETI" "TC220VIP28" "20731542" "SLC48213" "20261115" "0730" "F1511260" "FAN" "N" " "
                         "00000000000000" "  ";
 
 QToolButton* elemento(QWidget* ventana, const QString& clave) {

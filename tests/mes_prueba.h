@@ -1,0 +1,91 @@
+// A month of payroll for the engine's tests: the master stores, the period store of
+// 10/2026 and the work stores made in a temporary folder, with helpers that add rows.
+// Every statement step handed to the run is recorded with its working table.
+#pragma once
+
+#include <span>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "engine/cotval.h"
+#include "fan/seleccion.h"
+#include "shell/programa.h"
+#include "stores/esquemas.h"
+#include "tests/apoyo.h"
+
+namespace valdor::pruebas {
+
+namespace fs = std::filesystem;
+using Columnas = std::vector<std::pair<std::string, Valor>>;
+
+inline void inserta(Almacen& a, const std::string& tabla, const Columnas& columnas) {
+  std::string nombres, marcas;
+  std::vector<Valor> valores;
+  for (const auto& [n, v] : columnas) {
+    nombres += (nombres.empty() ? "" : ", ") + n;
+    marcas += marcas.empty() ? "?" : ", ?";
+    valores.push_back(v);
+  }
+  a.consulta("INSERT INTO " + tabla + " (" + nombres + ") VALUES (" + marcas + ")", valores).siguiente();
+}
+
+struct Mes {
+  Mes() {
+    fs::create_directories(carpetas.programa);
+    fs::create_directories(carpetas.trabajo);
+    const std::pair<const char*, std::span<const DefTabla>> maestros[] = {
+        {"CONVENIO.MDB", esquemas::tablasCONVENIO()}, {"EMPRESAS.MDB", esquemas::tablasEMPRESAS()},
+        {"PRODUCTO.MDB", esquemas::tablasPRODUCTO()}, {"CONSTANT.MDB", esquemas::tablasCONSTANT()},
+        {"BONIFICA.MDB", esquemas::tablasBONIFICA()}, {"DESEMPLEO.MDB", esquemas::tablasDESEMPLEO()}};
+    for (const auto& [nombre, tablas] : maestros) Almacen::crea(carpetas.programa / nombre, tablas);
+    programa.arranca();
+    Almacenes& a = programa.almacenes;
+    a.MESPERIODO = "10";
+    a.ANOPERIODO = "2026";
+    a.CREAPERIODO();
+    a.ABREPERIODO();
+    a.CREAFORMACION();
+    a.ABREFORMACION();
+    calculo.v.MESCOT = 10;
+    calculo.v.ANOCOT = 2026;
+    calculo.CALCULATRABAJADOR = [this](COTVAL& c) {
+      filas.push_back(c.GRID1);
+      variables.push_back(c.v);
+    };
+    sel.grid = {{"UNO", true, "28000000001", "", "", 0}, {"OTRA", false, "28000000002", "", "", 0}};
+  }
+  // A payroll row of 30 days, contract 100, epigraph 113, with the columns given.
+  void nomina(const std::string& bsse, const std::string& bmatri, Columnas mas = {}) {
+    Columnas c{{"BSSE", bsse},    {"BMATRI", bmatri}, {"BNOMBRE", "EMPRESA " + bsse}, {"BTRABA", "RUIZ SOLA, ANA"},
+               {"BDIAS", "30"},   {"BDIAL", "30"},    {"BCONT", "100"},               {"BEPIG", "113"},
+               {"BCEN", "001"},   {"BSEC", "001"}};
+    for (auto& m : mas)
+      for (auto& [n, v] : c)
+        if (n == m.first) v = m.second;
+    for (auto& m : mas) {
+      bool esta = false;
+      for (auto& x : c) esta |= x.first == m.first;
+      if (!esta) c.push_back(m);
+    }
+    inserta(programa.almacenes.periodo, "NOMIN", c);
+  }
+  void trabajador(const std::string& emp, const std::string& tra, Columnas mas = {}) {
+    Columnas c{{"WKEMP", emp}, {"TRA1", tra}};
+    c.insert(c.end(), mas.begin(), mas.end());
+    inserta(programa.almacenes.producto, "WK", c);
+  }
+  void corre() { calculo.CALCULAEMPRESAS(sel); }
+
+  CarpetaTemporal c;
+  Carpetas carpetas{c / "programa", c / "trabajo"};
+  DialogosGrabador dialogos;
+  Programa programa{carpetas, dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0}};
+  COTVAL calculo{programa};
+  COTIZACION sel;
+  std::vector<TablaTrabajo> filas;
+  std::vector<VariablesCalculo> variables;
+};
+
+
+}  // namespace valdor::pruebas
