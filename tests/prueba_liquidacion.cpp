@@ -134,6 +134,24 @@ TEST(Liquidacion, TrabajadorDeMesCompleto) {
   for (const char* tipo : {"TRA", "AYN", "DAT", "ED1", "ED2"}) EXPECT_EQ(m.linea(tipo).size(), 70u) << tipo;
 }
 
+TEST(Liquidacion, LosInterruptoresReservadosSoloActuanSiSeEncienden) {
+  Boletin m;
+  m.fila(1, {{9, "2000"}, {11, "2000"}, {29, "96"}});
+  // A fixed surcharge of 20% on 596 - 96 = 500.
+  m.liquidacion.interruptores.MODODOS = 1;
+  m.liquidacion.interruptores.RECARGOFIJO = 20;
+  m.liquidacion.CALCULATRABAJADOR(false);
+  EXPECT_EQ(m.b.RECARGOPCT.texto(), "20");
+  EXPECT_DOUBLE_EQ(m.b.RECARGO.valor(), 100);
+  EXPECT_DOUBLE_EQ(m.b.AINGRESAR.valor(), 600);
+  // With the first two switches on, no bonus is worked out: the subsidy is not taken.
+  m.calculo.CARGAEMPRESA("");
+  m.liquidacion.interruptores.MODOUNO = 1;
+  m.liquidacion.CALCULATRABAJADOR(false);
+  EXPECT_EQ(m.b.OTBONRED.texto(), blancos(15));
+  EXPECT_DOUBLE_EQ(m.b.AINGRESAR.valor(), 596 * 1.2);
+}
+
 TEST(Liquidacion, BajaPorEnfermedadYAccidenteSeRepartenLaBase126) {
   Boletin m;
   m.fila(1, {{9, "1500"}, {10, "016"}, {11, "1500"}, {14, "262.5"}, {16, "396"}, {20, "900"}});
