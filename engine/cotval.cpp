@@ -47,7 +47,7 @@ void COTVAL::LEETRABAJADOR() {
   GRID1.blanqueaYEscribe(fila, 29, v.TRA42V);
   GRID1.blanqueaYEscribe(fila, 30, v.TRA4010V);
   GRID1.blanqueaYEscribe(fila, 31, v.TRA4110V);
-  v.EPICLAVE = REDONDEA2(wk.numero("Lib3")) == 1 ? "114" : "000";
+  if (modo == ModoCalculo::PorTrabajador) v.EPICLAVE = REDONDEA2(wk.numero("Lib3")) == 1 ? "114" : "000";
 }
 
 void COTVAL::LEEEPIGRAFE() {
@@ -124,8 +124,11 @@ void COTVAL::diasYBases(const FilaNomina& f) {
   GRID1.escribe(r, 16, f.BACCI.texto());
   GRID1.escribe(r, 18, f.A20.texto());
   GRID1.escribe(r, 19, f.B20.texto());
-  GRID1.blanqueaYEscribe(r, 20, f.B126.texto());
   GRID1.escribe(r, 34, f.BHOIL.texto());
+  const double b126 = f.B126.numero();
+  GRID1.blanqueaYEscribe(r, 20, textoGeneral(b126 < 0 ? 0 : b126));
+  // The all-companies TC1 run has no maternity and no training columns.
+  if (modo == ModoCalculo::TodasLasEmpresas) return;
 
   // Maternity: a partial month adds its days to the registered ones; from 30 upward the
   // contribution days stand alone.
@@ -137,8 +140,6 @@ void COTVAL::diasYBases(const FilaNomina& f) {
   const double BASEM = DIASM * f.COZ3.numero();
   GRID1.escribe(r, 37, "");
   if (BASEM != 0) GRID1.escribe(r, 37, BASEM);
-  const double b126 = f.B126.numero();
-  GRID1.blanqueaYEscribe(r, 20, textoGeneral(b126 < 0 ? 0 : b126));
   GRID1.blanqueaYEscribe(r, 35, f.COZ2.texto());
 
   // Training contracts: the hours of the month at their prices.
@@ -161,7 +162,8 @@ void COTVAL::filaDeTrabajo(const FilaNomina& f) {
   GRID1.escribe(r, 1, f.BAFI.texto());
   GRID1.escribe(r, 4, f.BDIAS.texto());
   GRID1.escribe(r, 10, f.BEPIG.texto());
-  GRID1.escribe(r, 43, REDONDEA2(claseJornada(f.BSSE.texto(), GRID1.texto(r, 0))));
+  if (modo == ModoCalculo::PorTrabajador)
+    GRID1.escribe(r, 43, REDONDEA2(claseJornada(f.BSSE.texto(), GRID1.texto(r, 0))));
 
   GRID1.escribe(r, 6, f.BCONT.texto());
   GRID1.escribe(r, 40, CONTIPO(GRID1.texto(r, 6)));
@@ -175,7 +177,11 @@ void COTVAL::filaDeTrabajo(const FilaNomina& f) {
     if (!recorta(v.CODCONT).empty()) {
       Tabla& wk = programa_.almacenes.WK;
       BONIFICACIONES(programa_.almacenes.BONIFI, wk.texto("TRA4010"), wk.texto("TRA1710"), v, GRID1);
-      reglaTRA39(v, GRID1);
+      // The TC1 keeps the contract's statement line of the row for its bonus.
+      if (modo != ModoCalculo::PorTrabajador) GRID1.escribe(r, 41, GRID1.texto(r, 28));
+      if (modo != ModoCalculo::TodasLasEmpresas) reglaTRA39(v, GRID1);
+      // The TC1 reads each row's own mode of the fixed percentages.
+      if (modo == ModoCalculo::UnaEmpresa && valorNumerico(v.TRA39V) > 0) GRID1.escribe(r, 43, v.BONMODO);
     }
   }
   diasYBases(f);

@@ -41,11 +41,18 @@ FilaNomina leeFilaNomina(const Fuente& f) {
 // as it stands.
 std::string claveContrato(std::string_view BCONT);
 
+// Which run builds the working table: the per-worker statement (one row at a time), or
+// the per-company TC1 (all the company's rows at once), for one company or for every
+// company of the month. The two TC1 runs differ on purpose: the all-companies run has no
+// TRA39 rule, no maternity columns and no training hours.
+enum class ModoCalculo { PorTrabajador, UnaEmpresa, TodasLasEmpresas };
+
 class COTVAL {
  public:
   explicit COTVAL(Programa& programa);
   Programa& programa() { return programa_; }
 
+  ModoCalculo modo = ModoCalculo::PorTrabajador;
   BOLETIN boletin;
   CajasBoletin cajas;
   TablaTrabajo GRID1;
@@ -63,7 +70,7 @@ class COTVAL {
   // ESA. The per-worker run passes an empty key, which finds nothing.
   void CARGAEMPRESA(std::string_view clave);
   // LEETRABAJADOR: the worker's variables for EMPACT and TRAACT; a worker not found keeps
-  // the previous worker's values.
+  // the previous worker's values. Only the per-worker run takes EPICLAVE from Lib3.
   void LEETRABAJADOR();
   // LEEEPIGRAFE: TIPOILT and TIPOIMS of EPIBUSCA; an epigraph not found keeps the rates.
   void LEEEPIGRAFE();
@@ -74,7 +81,8 @@ class COTVAL {
   double CONTIPO(std::string_view BCONT);
   // The days and bases of the working row from the payroll row.
   void diasYBases(const FilaNomina& fila);
-  // The whole working row of one payroll row (the steps after the employer load).
+  // The whole working row of one payroll row (the steps after the employer load), on the
+  // current row of GRID1.
   void filaDeTrabajo(const FilaNomina& fila);
 
   // CALCULAEMPRESAS over the marked companies of the selection; reports the progress

@@ -1,6 +1,7 @@
 #include "engine/motor.h"
 
 #include "engine/cotval.h"
+#include "engine/tc1val.h"
 #include "fan/seleccion.h"
 #include "shell/programa.h"
 #include "statement/ficherotipos.h"
@@ -52,6 +53,45 @@ void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   a.CIERRAPERIODO();
   a.CIERRAFORMACION();
   a.CIERRAILTS();
+}
+
+MotorCalculo::AperturaTC1::AperturaTC1(Almacenes& a, const COTIZACION& sel) : almacenes(a) {
+  a.MESPERIODO = textoMesPeriodo(sel.mesDelPeriodo());
+  a.ANOPERIODO = textoAnoPeriodo(sel.anoDelPeriodo());
+  a.CREAPERIODO();
+  a.ABREPERIODO();
+  a.CREAFORMACION();
+  a.ABREFORMACION();
+}
+
+MotorCalculo::AperturaTC1::~AperturaTC1() {
+  almacenes.CIERRAFORMACION();
+  almacenes.CIERRAPERIODO();
+}
+
+MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, const COTIZACION& sel)
+    : apertura(a, sel),
+      periodo(a.periodo),
+      producto(a.producto),
+      empresas(a.empresas),
+      constant(a.constant),
+      bonifica(a.bonifica),
+      desempleo(a.desempleo),
+      formacion(a.formacion),
+      cuentas(a.cuentas) {}
+
+void MotorCalculo::TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina,
+                          const std::string& CODEMPRESA) {
+  if (!sesion_) sesion_.emplace(programa.almacenes, sel);
+  valdor::COTVAL calculo(programa);
+  calculo.modo = ModoCalculo::UnaEmpresa;
+  preparaCOTVAL(programa, sel, calculo);
+  Liquidacion liquidacion(calculo, programa);
+  valdor::TC1VAL tc1(calculo, liquidacion, programa);
+  tc1.devEnCta = sel.devEnCta;
+  tc1.pagina = &pagina;
+  VACIABOLETIN(calculo.cajas, calculo.v.empresaPublica);
+  tc1.CARGAEMPRESA(CODEMPRESA, true);
 }
 
 }  // namespace valdor

@@ -1,13 +1,17 @@
-// The contribution engine behind the FAN writer: the statement run COTVAL over the
-// marked companies, with the stores it reads opened around it.
+// The contribution engine behind the FAN writer: the per-worker statement run COTVAL over
+// the marked companies, and the per-company TC1 run for each company as its part of the
+// file is written, with the stores they read opened around them.
 #pragma once
 
 #include <functional>
+#include <optional>
 
 #include "fan/comando.h"
+#include "stores/almacen.h"
 
 namespace valdor {
 
+class Almacenes;
 class COTVAL;
 
 class MotorCalculo : public MotorCotizacion {
@@ -18,11 +22,29 @@ class MotorCalculo : public MotorCotizacion {
   // The period from the selection, the rates of the year (for the training-hour prices),
   // the month, sick-day and training stores opened, CALCULAEMPRESAS, the stores closed.
   void COTVAL(Programa& programa, COTIZACION& sel) override;
-  // The batch TC1 run arrives with its own work; until then the TC1 lines stay as they are.
-  void TC1VAL(Programa&, COTIZACION&, const std::string&) override {}
+  // The one-company TC1 run of CODEMPRESA: its statement into LINEASTC1 (entry 19 with
+  // "Dev. en Cta."), its progress text on the wizard. The month store and the read locks
+  // are taken at the first company and kept until terminaTC1.
+  void TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina, const std::string& CODEMPRESA) override;
+  void terminaTC1(Programa&) override { sesion_.reset(); }
+
+ private:
+  // The month and training stores open, and one read lock per store the TC1 reads, for
+  // all the companies of a file.
+  struct AperturaTC1 {
+    AperturaTC1(Almacenes& a, const COTIZACION& sel);
+    ~AperturaTC1();
+    Almacenes& almacenes;
+  };
+  struct SesionTC1 {
+    SesionTC1(Almacenes& a, const COTIZACION& sel);
+    AperturaTC1 apertura;
+    LecturaContinua periodo, producto, empresas, constant, bonifica, desempleo, formacion, cuentas;
+  };
+  std::optional<SesionTC1> sesion_;
 };
 
-// Prepares a run of the per-worker statement for the period of the selection.
+// Prepares a run of the statement for the period of the selection.
 void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo);
 
 }  // namespace valdor

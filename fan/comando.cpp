@@ -214,6 +214,12 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
     EstadoBloques estado;
     int hechas = 0;
     LecturaContinua lecturaTemporal(a.temporal), lecturaEmpresas(a.empresas);
+    // Whatever the companies' TC1 runs kept open is let go when the file is done.
+    struct FinTC1 {
+      MotorCotizacion& motor;
+      Programa& programa;
+      ~FinTC1() { motor.terminaTC1(programa); }
+    } finTC1{motor, programa};
     for (FilaEmpresa& fila : sel.grid) {
       if (!fila.marcada) continue;
       dialogos.progreso(marcadas ? 100 * hechas++ / marcadas : 0, "Generando fichero:", fila.BNOMBRE);
@@ -238,7 +244,7 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
       // Entries 1 to 18 are cleared before the TC1 run; entry 19 is not, and a line
       // left there by the company before is printed again unless the run replaces it.
       for (int i = 1; i <= 18; ++i) g.LINEASTC1[static_cast<std::size_t>(i)].clear();
-      motor.TC1VAL(programa, sel, CODEMPRESA);
+      motor.TC1VAL(programa, sel, pagina, CODEMPRESA);
       for (int i = 1; i <= 19; ++i) {
         const std::string& linea = g.LINEASTC1[static_cast<std::size_t>(i)];
         if (!recorta(linea).empty()) fichero.imprime(registro70(linea));

@@ -24,14 +24,17 @@ class MotorCotizacion {
   virtual ~MotorCotizacion() = default;
   // COTVAL: every marked company's workers into TMPVALDOR.
   virtual void COTVAL(Programa& programa, COTIZACION& sel) = 0;
-  // TC1VAL for one company: its TC1 lines into LINEASTC1.
-  virtual void TC1VAL(Programa& programa, COTIZACION& sel, const std::string& CODEMPRESA) = 0;
+  // TC1VAL for one company: its TC1 lines into LINEASTC1, its progress on the wizard.
+  virtual void TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina,
+                      const std::string& CODEMPRESA) = 0;
+  // After the last company's TC1VAL: whatever the runs kept open is let go.
+  virtual void terminaTC1(Programa&) {}
 };
 
 class MotorSinCalculo : public MotorCotizacion {
  public:
   void COTVAL(Programa&, COTIZACION&) override {}
-  void TC1VAL(Programa&, COTIZACION&, const std::string&) override {}
+  void TC1VAL(Programa&, COTIZACION&, PaginaIntercambio&, const std::string&) override {}
 };
 
 // The totals of a company, summed from its workers' amount lines.

@@ -523,62 +523,79 @@ void Liquidacion::CALRAROS() {
   }
 }
 
+// The bases of a bonused row added to `b`: the bonus that ended before the month gives
+// nothing (false); one that ends in it goes pro rata to its last day.
+bool Liquidacion::sumaBasesBonificadas(int r, BasesBonificadas& b) {
+  const Fecha primeroDeMes{1, static_cast<int>(v_.MESCOT), static_cast<int>(v_.ANOCOT)};
+  const std::string F = grid_.texto(r, 31);
+  double DIASFIN = 0;
+  if (REDONDEA2(izquierda(F, 2)) != 0) {
+    if (const auto fin = leeFechaDMA(F)) {
+      DIASFIN = diferenciaDias(primeroDeMes, *fin);
+      if (fin->dia == 1 && fin->mes == primeroDeMes.mes && DIASFIN == 0) DIASFIN = 1;
+    }
+  }
+  if (DIASFIN < 0) return false;
+  ponEn9(b.BONBASECC, grid_.texto(r, 9));
+  if (REDONDEA2(b.BONBASECC) == 0 && grid_.valor(r, 37) > 0) ponEn9(b.BONBASECC, grid_.texto(r, 37));
+  ponEn9(b.BONBASEAT, grid_.texto(r, 11));
+  if (REDONDEA2(b.BONBASEAT) == 0 && grid_.valor(r, 37) > 0) ponEn9(b.BONBASEAT, grid_.texto(r, 37));
+  // The maternity days are added to the base as they stand.
+  if (grid_.valor(r, 35) != 0) ponEn9(b.BONBASEAT, REDONDEA2(b.BONBASEAT) + valorNumerico(grid_.texto(r, 35)));
+  if (DIASFIN > 0 && DIASFIN < 31) {
+    const double diasCot = grid_.valor(r, 4);
+    if (diasCot != 0) {
+      const double dia = diaDe(F);
+      ponEn9(b.BONBASECC, R(REDONDEA2(b.BONBASECC) / diasCot * dia));
+      ponEn9(b.BONBASEAT, R(REDONDEA2(b.BONBASEAT) / diasCot * dia));
+    }
+  }
+  b.sumaCC += REDONDEA2(b.BONBASECC);
+  b.sumaAT += REDONDEA2(b.BONBASEAT);
+  double e = grid_.valor(r, 10);
+  if (e == 0) e = 113;
+  if (grid_.valor(r, 22) != 0 && e >= 1 && e < 131) b.BASEEPI[static_cast<std::size_t>(e)] += REDONDEA2(b.BONBASEAT);
+  return true;
+}
+
 void Liquidacion::BONIFICATRABAJADOR() {
   programa_.dialogos().puntero(Puntero::Reloj);
   BONIFTOTAL = 0;
   REDUCTOTAL = 0;
   IMPORTERARO1 = 0;
   IMPORTERARO2 = 0;
-  std::array<bool, 401> HAYCONTRATO{};
-  for (int r = 1; r < grid_.filas(); ++r) {
-    const double c = grid_.valor(r, 6);
-    if (c > 0 && c < 401) HAYCONTRATO[static_cast<std::size_t>(std::floor(c))] = true;
-  }
-
-  const Fecha primeroDeMes{1, static_cast<int>(v_.MESCOT), static_cast<int>(v_.ANOCOT)};
-  for (int k = 1; k <= 400; ++k) {
-    if (!HAYCONTRATO[static_cast<std::size_t>(k)]) continue;
-    std::string BONBASECC(9, ' '), BONBASEAT(9, ' ');
-    double sumaCC = 0, sumaAT = 0;
-    std::array<double, 131> BASEEPI{};
-    int ultimaFila = 0;
+  if (porEmpresa) {
+    // The TC1: each bonused row on its own, with the percentages, statement line, class
+    // and mode written in it.
     for (int r = 1; r < grid_.filas(); ++r) {
-      if (grid_.valor(r, 0) == 0 || grid_.valor(r, 6) != k || grid_.valor(r, 28) == 0) continue;
-      // A bonus that ended before the month gives nothing; one that ends in it goes pro rata.
-      const std::string F = grid_.texto(r, 31);
-      double DIASFIN = 0;
-      if (REDONDEA2(izquierda(F, 2)) != 0) {
-        if (const auto fin = leeFechaDMA(F)) {
-          DIASFIN = diferenciaDias(primeroDeMes, *fin);
-          if (fin->dia == 1 && fin->mes == primeroDeMes.mes && DIASFIN == 0) DIASFIN = 1;
-        }
-      }
-      if (DIASFIN < 0) continue;
-      ultimaFila = r;
-      ponEn9(BONBASECC, grid_.texto(r, 9));
-      if (REDONDEA2(BONBASECC) == 0 && grid_.valor(r, 37) > 0) ponEn9(BONBASECC, grid_.texto(r, 37));
-      ponEn9(BONBASEAT, grid_.texto(r, 11));
-      if (REDONDEA2(BONBASEAT) == 0 && grid_.valor(r, 37) > 0) ponEn9(BONBASEAT, grid_.texto(r, 37));
-      // The maternity days are added to the base as they stand.
-      if (grid_.valor(r, 35) != 0) ponEn9(BONBASEAT, REDONDEA2(BONBASEAT) + valorNumerico(grid_.texto(r, 35)));
-      if (DIASFIN > 0 && DIASFIN < 31) {
-        const double diasCot = grid_.valor(r, 4);
-        if (diasCot != 0) {
-          const double dia = diaDe(F);
-          ponEn9(BONBASECC, R(REDONDEA2(BONBASECC) / diasCot * dia));
-          ponEn9(BONBASEAT, R(REDONDEA2(BONBASEAT) / diasCot * dia));
-        }
-      }
-      sumaCC += REDONDEA2(BONBASECC);
-      sumaAT += REDONDEA2(BONBASEAT);
-      double e = grid_.valor(r, 10);
-      if (e == 0) e = 113;
-      if (grid_.valor(r, 22) != 0 && e >= 1 && e < 131) BASEEPI[static_cast<std::size_t>(e)] += REDONDEA2(BONBASEAT);
+      if (grid_.valor(r, 0) == 0 || grid_.valor(r, 28) == 0) continue;
+      BasesBonificadas bases;
+      if (!sumaBasesBonificadas(r, bases)) continue;
+      const CondicionesBonificacion c{grid_.valor(r, 21), grid_.valor(r, 22), grid_.valor(r, 24),
+                                      grid_.valor(r, 25), grid_.valor(r, 26), grid_.valor(r, 41),
+                                      grid_.valor(r, 43), grid_.valor(r, 40)};
+      liquidaContrato(static_cast<int>(std::floor(grid_.valor(r, 6))), c, bases);
     }
-    std::string BONSUMCC(9, ' '), BONSUMAT(9, ' ');
-    ponEn9(BONSUMCC, sumaCC);
-    ponEn9(BONSUMAT, sumaAT);
-    liquidaContrato(k, ultimaFila, REDONDEA2(BONSUMCC), REDONDEA2(BONSUMAT), BASEEPI);
+  } else {
+    // The worker's statement: contract by contract in rising order, the bases of its
+    // bonused rows summed, under the percentages in force.
+    std::array<bool, 401> HAYCONTRATO{};
+    for (int r = 1; r < grid_.filas(); ++r) {
+      const double c = grid_.valor(r, 6);
+      if (c > 0 && c < 401) HAYCONTRATO[static_cast<std::size_t>(std::floor(c))] = true;
+    }
+    for (int k = 1; k <= 400; ++k) {
+      if (!HAYCONTRATO[static_cast<std::size_t>(k)]) continue;
+      BasesBonificadas bases;
+      int ultimaFila = 0;
+      for (int r = 1; r < grid_.filas(); ++r)
+        if (grid_.valor(r, 0) != 0 && grid_.valor(r, 6) == k && grid_.valor(r, 28) != 0 &&
+            sumaBasesBonificadas(r, bases))
+          ultimaFila = r;
+      const CondicionesBonificacion c{v_.PORCCC, v_.PORCAT, v_.PORCDE, v_.PORCFO, v_.PORCFP, v_.BONCASILLA,
+                                      v_.BONMODO, ultimaFila > 0 ? grid_.valor(ultimaFila, 40) : 0};
+      liquidaContrato(k, c, bases);
+    }
   }
 
   bool cortado = false;
@@ -623,33 +640,36 @@ double Liquidacion::pasoSubsidios(bool& cortado) {
 // One contract's bonus: common contingencies at the general rate (22.3 under the fixed
 // percentages of TRA39), the unemployment, wage-fund and training parts, the accidents
 // part by epigraph, to line 601 (bonus) or 209 (reduction).
-void Liquidacion::liquidaContrato(int k, int ultimaFila, double BONSUMCC, double BONSUMAT,
-                                  const std::array<double, 131>& BASEEPI) {
+void Liquidacion::liquidaContrato(int k, const CondicionesBonificacion& c, const BasesBonificadas& bases) {
   TiposLeidos& t = tipos;
+  std::string BONSUMCC(9, ' '), BONSUMAT(9, ' ');
+  ponEn9(BONSUMCC, bases.sumaCC);
+  ponEn9(BONSUMAT, bases.sumaAT);
+  const double sumaCC = REDONDEA2(BONSUMCC), sumaAT = REDONDEA2(BONSUMAT);
+  const std::array<double, 131>& BASEEPI = bases.BASEEPI;
   v_.CODCONT = llenaIzq(std::to_string(k), 3, '0');
   const bool es97 = k == 97;
-  const double tipoCC = v_.BONMODO > 0 ? 22.3 : t.e1;
-  const double cuota = es97 ? t.k1 : R(tipoCC * BONSUMCC / 100);
-  const double T1 = R(cuota * v_.PORCCC / 100);
+  const double tipoCC = c.BONMODO > 0 ? 22.3 : t.e1;
+  const double cuota = es97 ? t.k1 : R(tipoCC * sumaCC / 100);
+  const double T1 = R(cuota * c.PORCCC / 100);
 
   // The class of the contract picks the unemployment rate, until the rates are read again.
-  const double clase = ultimaFila > 0 ? grid_.valor(ultimaFila, 40) : 0;
-  if (clase == 2) t.b = t.r2;
-  if (clase == 3) t.b = t.r3;
-  if (clase == 4) t.b = t.r4;
+  if (c.clase == 2) t.b = t.r2;
+  if (c.clase == 3) t.b = t.r3;
+  if (c.clase == 4) t.b = t.r4;
 
   double T2 = 0;
   if (es97) {
-    T2 = R((t.h1 + t.g3 + t.g4) * v_.PORCCC / 100);
+    T2 = R((t.h1 + t.g3 + t.g4) * c.PORCCC / 100);
   } else {
-    const double B1 = R(BONSUMAT * t.b / 100 * v_.PORCDE / 100);
-    const double B2 = R(BONSUMAT * t.e2 / 100 * v_.PORCFO / 100);
-    const double B3 = R(BONSUMAT * t.q / 100 * v_.PORCFP / 100);
+    const double B1 = R(sumaAT * t.b / 100 * c.PORCDE / 100);
+    const double B2 = R(sumaAT * t.e2 / 100 * c.PORCFO / 100);
+    const double B3 = R(sumaAT * t.q / 100 * c.PORCFP / 100);
     T2 = B1 + B2 + B3;
   }
 
   double T3 = 0;
-  if (!es97 && v_.PORCAT != 0) {
+  if (!es97 && c.PORCAT != 0) {
     double S3 = 0;
     const double base126 = grid_.valor(1, 20);
     for (std::size_t i = 1; i <= 130; ++i) {
@@ -667,14 +687,14 @@ void Liquidacion::liquidaContrato(int k, int ultimaFila, double BONSUMCC, double
       }
       S3 += CUOTAEPI;
     }
-    T3 = R(S3 * v_.PORCAT / 100);
+    T3 = R(S3 * c.PORCAT / 100);
   }
 
   const double total = R(T3) + R(T2) + R(T1);
-  if (v_.BONCASILLA == 601) {
+  if (c.BONCASILLA == 601) {
     BONIFTOTAL += total;
     grid_.escribe(1, 44, total);
-  } else if (v_.BONCASILLA == 209) {
+  } else if (c.BONCASILLA == 209) {
     REDUCTOTAL += total;
   }
 }

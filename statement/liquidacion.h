@@ -12,6 +12,7 @@
 #include <cstdint>
 #include <filesystem>
 #include <optional>
+#include <string>
 #include <utility>
 
 #include "engine/estado.h"
@@ -99,8 +100,20 @@ class Liquidacion {
  private:
   void sumaFila(int fila);
   void sumaCuotasAT(double base, bool reducida);
-  void liquidaContrato(int contrato, int ultimaFila, double BONSUMCC, double BONSUMAT,
-                       const std::array<double, 131>& BASEEPI);
+  // The working fields of the bonus of a contract: the bases of the row in 9 characters
+  // and their sums, and the accidents base by epigraph 1 to 130.
+  struct BasesBonificadas {
+    std::string BONBASECC = std::string(9, ' '), BONBASEAT = std::string(9, ' ');
+    double sumaCC = 0, sumaAT = 0;
+    std::array<double, 131> BASEEPI{};
+  };
+  // What a bonus is worked out under: the percentages, the statement line, the mode of
+  // the fixed percentages and the contract's unemployment class.
+  struct CondicionesBonificacion {
+    double PORCCC, PORCAT, PORCDE, PORCFO, PORCFP, BONCASILLA, BONMODO, clase;
+  };
+  bool sumaBasesBonificadas(int fila, BasesBonificadas& bases);
+  void liquidaContrato(int contrato, const CondicionesBonificacion& c, const BasesBonificadas& bases);
   double pasoSubsidios(bool& cortado);
   void bonificacionMaternidad();
   void otrasCotizaciones();

@@ -173,7 +173,7 @@ TEST(TotalesEmpresa, LasLineasTCT00YEDTLlevanSusCamposEnSuOrden) {
 
 struct MotorGuionado : MotorCotizacion {
   void COTVAL(Programa&, COTIZACION&) override { ++calculos; }
-  void TC1VAL(Programa& p, COTIZACION&, const std::string& empresa) override {
+  void TC1VAL(Programa& p, COTIZACION&, PaginaIntercambio&, const std::string& empresa) override {
     if (empresa == "28000000001") {
       p.g.LINEASTC1[1] = "EDTCA01000 DE LA PRIMERA";
       p.g.LINEASTC1[19] = "DBA  DE LA PRIMERA";
