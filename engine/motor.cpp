@@ -11,17 +11,21 @@
 
 namespace valdor {
 
-void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo) {
+void preparaCOTVAL(Programa& programa, int mes, int ano, valdor::COTVAL& calculo) {
   VariablesCalculo& v = calculo.v;
-  v.MESCOT = sel.mesDelPeriodo();
-  v.ANOCOT = sel.anoDelPeriodo();
+  v.MESCOT = mes;
+  v.ANOCOT = ano;
   v.MES2 = izquierda(recortaIzq(textoGeneral(v.MESCOT)), 2);
   v.ANO4 = izquierda(recortaIzq(textoGeneral(v.ANOCOT)), 4);
   TiposLeidos tipos;
-  if (LEETIPOS(programa.carpetas().trabajo, sel.anoDelPeriodo(), sel.mesDelPeriodo(), "", tipos)) {
+  if (LEETIPOS(programa.carpetas().trabajo, ano, mes, "", tipos)) {
     calculo.PRECIOHORADIST = tipos.PRECIOHORADIST;
     calculo.PRECIOHORAPRES = tipos.PRECIOHORAPRES;
   }
+}
+
+void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo) {
+  preparaCOTVAL(programa, sel.mesDelPeriodo(), sel.anoDelPeriodo(), calculo);
 }
 
 void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
@@ -55,9 +59,9 @@ void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   a.CIERRAILTS();
 }
 
-MotorCalculo::AperturaTC1::AperturaTC1(Almacenes& a, const COTIZACION& sel) : almacenes(a) {
-  a.MESPERIODO = textoMesPeriodo(sel.mesDelPeriodo());
-  a.ANOPERIODO = textoAnoPeriodo(sel.anoDelPeriodo());
+MotorCalculo::AperturaTC1::AperturaTC1(Almacenes& a, int mes, int ano) : almacenes(a) {
+  a.MESPERIODO = textoMesPeriodo(mes);
+  a.ANOPERIODO = textoAnoPeriodo(ano);
   a.CREAPERIODO();
   a.ABREPERIODO();
   a.CREAFORMACION();
@@ -69,8 +73,8 @@ MotorCalculo::AperturaTC1::~AperturaTC1() {
   almacenes.CIERRAPERIODO();
 }
 
-MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, const COTIZACION& sel)
-    : apertura(a, sel),
+MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, int mes, int ano)
+    : apertura(a, mes, ano),
       periodo(a.periodo),
       producto(a.producto),
       empresas(a.empresas),
@@ -82,7 +86,7 @@ MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, const COTIZACION& sel)
 
 void MotorCalculo::TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina,
                           const std::string& CODEMPRESA) {
-  if (!sesion_) sesion_.emplace(programa.almacenes, sel);
+  if (!sesion_) sesion_.emplace(programa.almacenes, sel.mesDelPeriodo(), sel.anoDelPeriodo());
   valdor::COTVAL calculo(programa);
   calculo.modo = ModoCalculo::UnaEmpresa;
   preparaCOTVAL(programa, sel, calculo);
@@ -92,6 +96,27 @@ void MotorCalculo::TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio
   tc1.pagina = &pagina;
   VACIABOLETIN(calculo.cajas, calculo.v.empresaPublica);
   tc1.CARGAEMPRESA(CODEMPRESA, true);
+}
+
+void ejecutaTC1(Programa& programa, const EjecucionTC1& e) {
+  MotorCalculo::SesionTC1 sesion(programa.almacenes, e.mes, e.ano);
+  valdor::COTVAL calculo(programa);
+  calculo.modo = e.empresa.empty() ? ModoCalculo::TodasLasEmpresas : ModoCalculo::UnaEmpresa;
+  preparaCOTVAL(programa, e.mes, e.ano, calculo);
+  Liquidacion liquidacion(calculo, programa);
+  liquidacion.interruptores.Option1 = e.Option1;
+  valdor::TC1VAL tc1(calculo, liquidacion, programa);
+  tc1.enCadaEmpresa = [&] {
+    if (e.empresaCalculada) e.empresaCalculada(calculo);
+    if (e.cancelado && e.cancelado()) tc1.cancelado = true;
+  };
+  VACIABOLETIN(calculo.cajas, calculo.v.empresaPublica);
+  if (e.empresa.empty()) {
+    tc1.todasLasEmpresas();
+  } else {
+    tc1.CARGAEMPRESA(e.empresa, true);
+  }
+  if (e.empresaCalculada) e.empresaCalculada(calculo);
 }
 
 }  // namespace valdor

@@ -5,6 +5,7 @@
 
 #include <functional>
 #include <optional>
+#include <string>
 
 #include "fan/comando.h"
 #include "stores/almacen.h"
@@ -28,23 +29,40 @@ class MotorCalculo : public MotorCotizacion {
   void TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina, const std::string& CODEMPRESA) override;
   void terminaTC1(Programa&) override { sesion_.reset(); }
 
- private:
+ public:
   // The month and training stores open, and one read lock per store the TC1 reads, for
   // all the companies of a file.
   struct AperturaTC1 {
-    AperturaTC1(Almacenes& a, const COTIZACION& sel);
+    AperturaTC1(Almacenes& a, int mes, int ano);
     ~AperturaTC1();
     Almacenes& almacenes;
   };
   struct SesionTC1 {
-    SesionTC1(Almacenes& a, const COTIZACION& sel);
+    SesionTC1(Almacenes& a, int mes, int ano);
     AperturaTC1 apertura;
     LecturaContinua periodo, producto, empresas, constant, bonifica, desempleo, formacion, cuentas;
   };
+ private:
   std::optional<SesionTC1> sesion_;
 };
 
-// Prepares a run of the statement for the period of the selection.
+// Prepares a run of the statement for a period: the month and year, and the training
+// hour prices of the year's rate file.
+void preparaCOTVAL(Programa& programa, int mes, int ano, valdor::COTVAL& calculo);
 void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo);
+
+// The TC1 run of the statement form, outside a FAN file: one company, or every company
+// of the month with a company break by company break.
+struct EjecucionTC1 {
+  int mes = 0, ano = 0;
+  std::string empresa;  // "" for every company ("&Todas.")
+  int Option1 = 0;      // the surcharge choice of the form
+  // Told after each company's statement and lines (and once more at the end), with the
+  // run's state: the screen shows the statement there and takes the user's clicks.
+  std::function<void(const valdor::COTVAL&)> empresaCalculada;
+  // Asked at each company break of the all-companies run: true stops the run.
+  std::function<bool()> cancelado;
+};
+void ejecutaTC1(Programa& programa, const EjecucionTC1& ejecucion);
 
 }  // namespace valdor

@@ -194,6 +194,29 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   EXPECT_EQ(empresas, 4);
   EXPECT_EQ(trabajadores, 14);
 
+  // Every company's TC1 lines follow its totals; without "Dev. en Cta." no DBA line.
+  int tc1 = 0, dba = 0;
+  for (const std::string& l : lineas) {
+    tc1 += l.starts_with("EDTTT91000") || l.starts_with("EDTTT92000") ? 1 : 0;
+    dba += l.starts_with("DBA ") ? 1 : 0;
+  }
+  EXPECT_EQ(tc1, 4);
+  EXPECT_EQ(dba, 0);
+  // With it, a DBA line closes each company's block, just before the next company.
+  r = valdor(c, {"--ahora", "2026-11-15 07:30", "fan", "--mes", "10", "--ano", "2026", "--dev-cta", "--nombre",
+                 "cuenta"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  const auto conCuenta = pruebas::registros(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/CUENTA00.FAN");
+  dba = 0;
+  for (std::size_t i = 1; i < conCuenta.size(); ++i) {
+    if (!conCuenta[i].starts_with("EMP") && !conCuenta[i].starts_with("ETF")) continue;
+    if (i == 1) continue;
+    EXPECT_TRUE(conCuenta[i - 1].starts_with("DBA ")) << conCuenta[i - 1];
+    EXPECT_EQ(conCuenta[i - 1].size(), 70u);
+    ++dba;
+  }
+  EXPECT_EQ(dba, 4);
+
   // A company code the month does not have: told, and no file.
   r = valdor(c, {"fan", "--mes", "10", "--ano", "2026", "--empresas", "99999999999", "--nombre", "otro"});
   EXPECT_EQ(r.estado, 1);
