@@ -1,5 +1,7 @@
 #include "engine/cotval.h"
 
+#include <optional>
+
 #include "engine/bonificaciones.h"
 #include "fan/seleccion.h"
 #include "shell/programa.h"
@@ -200,18 +202,22 @@ void COTVAL::CALCULAEMPRESAS(const COTIZACION& sel) {
   // With no company ticked the list is empty and there is nothing to run.
   if (codigos.empty() || !a.periodo.abierto()) return;
 
-  std::vector<FilaNomina> filas;
+  // The rows are counted first, so that the progress is exact, then read one by one:
+  // the month is never held in memory whole.
+  const std::string donde = " FROM NOMIN WHERE BCONT <> 'N' AND BSSE IN (" + marcas + ")";
+  double total = 0;
+  std::optional<Consulta> q;
   try {
-    auto q = a.periodo.consulta("SELECT * FROM NOMIN WHERE BCONT <> 'N' AND BSSE IN (" + marcas + ") ORDER BY rowid",
-                                codigos);
-    while (q.siguiente()) filas.push_back(leeFilaNomina(q));
+    auto cuenta = a.periodo.consulta("SELECT COUNT(*) AS N" + donde, codigos);
+    if (cuenta.siguiente()) total = cuenta.numero("N");
+    if (total > 0) q.emplace(a.periodo.consulta("SELECT *" + donde + " ORDER BY rowid", codigos));
   } catch (const ErrorAlmacen&) {
-    return;
+    return;  // a month that cannot be read: the run ends without a word
   }
-  const std::size_t total = filas.size();
-  for (std::size_t n = 0; n < total; ++n) {
-    const FilaNomina& f = filas[n];
-    const int porcentaje = static_cast<int>(std::min(100.0, REDONDEA2R((n + 1) * 100.0 / static_cast<double>(total))));
+  if (!q) return;
+  for (double n = 1; q->siguiente(); ++n) {
+    const FilaNomina f = leeFilaNomina(*q);
+    const int porcentaje = static_cast<int>(std::min(100.0, REDONDEA2R(n * 100.0 / total)));
     // A row with neither company nor worker is no worker.
     if (REDONDEA2(f.BSSE.texto()) == 0 && REDONDEA2(f.BMATRI.texto()) == 0) continue;
     v.EMPACT = f.BSSE.texto();
