@@ -38,6 +38,11 @@ constexpr std::string_view USO = R"(Uso: valdor-cli [--programa DIR] [--trabajo 
            [--clave V] [--nueva-clave V] [--borrar-pendientes]
            escribe el fichero de afiliación .AFI de los trabajadores pendientes; con
            --borrar-pendientes vacía después la tabla de pendientes
+  revisar  FICHERO
+           revisa un fichero .FAN o .AFI sin cambiarlo: las líneas que no tienen 70
+           caracteres, las que no empiezan por un segmento de su tipo, y si las cuentas
+           del cierre ETF cuadran; acaba con 1 si encuentra algo. FICHERO puede ser una
+           ruta de Windows (C:\...) de las unidades de Wine
 
 La carpeta del programa es la del ejecutable, salvo --programa o VALDOR_PROGRAMA.
 La carpeta de trabajo es la actual; --trabajo cambia a ella antes de empezar.
@@ -51,6 +56,8 @@ fs::path carpetaDelEjecutable() {
 
 // Global options, then the order and its own arguments.
 Llamada leeLlamada(int argc, char** argv) {
+  std::error_code ecInicio;
+  const fs::path carpetaDeLlamada = fs::current_path(ecInicio);
   std::optional<fs::path> programa, trabajo;
   std::optional<Momento> ahora;
   int i = 1;
@@ -84,6 +91,7 @@ Llamada leeLlamada(int argc, char** argv) {
   llamada.orden = argv[i];
   llamada.argumentos.assign(argv + i + 1, argv + argc);
   llamada.ahora = ahora.value_or(momentoActual());
+  llamada.carpetaDeLlamada = carpetaDeLlamada;
 
   // Every folder named relative to where the call was made, before any change of folder.
   if (!programa) {
@@ -117,6 +125,7 @@ int ejecuta(const Llamada& llamada) {
   if (llamada.orden == "empresas") return ordenEmpresas(llamada);
   if (llamada.orden == "fan") return ordenFan(llamada);
   if (llamada.orden == "afi") return ordenAfi(llamada);
+  if (llamada.orden == "revisar") return ordenRevisar(llamada);
   throw ErrorLlamada("Orden desconocida: " + utf8ACp1252(llamada.orden) + ".");
 }
 

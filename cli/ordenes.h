@@ -54,6 +54,7 @@ struct Llamada {
   Momento ahora;
   std::string orden;
   std::vector<std::string> argumentos;  // what follows the order
+  std::filesystem::path carpetaDeLlamada;  // where the call was made, for relative files
 };
 
 int ordenMuestra(const Llamada& llamada);
@@ -61,5 +62,6 @@ int ordenAjustes(const Llamada& llamada);
 int ordenEmpresas(const Llamada& llamada);
 int ordenFan(const Llamada& llamada);
 int ordenAfi(const Llamada& llamada);
+int ordenRevisar(const Llamada& llamada);
 
 }  // namespace valdor::cli

@@ -1247,7 +1247,9 @@ ResumenMuestra escribeOficinaMuestra(const Carpetas& carpetas, const OpcionesMue
     escribeFicheroTipos(tipos, tiposDelAno());
     deshacer.anota(ajustes);
     FicheroAjustes fichero(carpetas.trabajo);
-    fichero.escribe({"20731542", "SLC48213", std::string(RUTAWINSUITEPORDEFECTO), "15/03/2021"});
+    // The route as the office picked it with the file dialog, in the file's own spelling:
+    // the file selector finds the tool's folders under it.
+    fichero.escribe({"20731542", "SLC48213", "C:\\WINSUITE\\Winsuite.exe", "15/03/2021"});
     deshacer.anota(emisor);
     guardaEmisor(carpetas.trabajo, "GESTORÍA LABORAL DEL VALLE, S.L."_cp);
   } catch (const ErrorFicheroTipos& e) {

@@ -217,6 +217,18 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   }
   EXPECT_EQ(dba, 4);
 
+  // The editor's checks from the command line: the sample's file is whole...
+  r = valdor(c, {"revisar", fichero.string()});
+  EXPECT_EQ(r.estado, 0) << r.salida << r.errores;
+  EXPECT_NE(r.salida.find("cuadran con el fichero: 4 empresas"), std::string::npos) << r.salida;
+  // ...and a line added by hand is marked, with the trailer that no longer tallies.
+  pruebas::escribeBytes(c / "roto.FAN", pruebas::leeBytes(fichero) + "TRAcorta\r\n");
+  r = valdor(c, {"revisar", (c / "roto.FAN").string()});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.salida.find("tiene 8 caracteres y debe tener 70."), std::string::npos) << r.salida;
+  EXPECT_EQ(valdor(c, {"revisar", (c / "no-esta.FAN").string()}).estado, 1);
+  EXPECT_EQ(valdor(c, {"revisar"}).estado, 2);
+
   // A company code the month does not have: told, and no file.
   r = valdor(c, {"fan", "--mes", "10", "--ano", "2026", "--empresas", "99999999999", "--nombre", "otro"});
   EXPECT_EQ(r.estado, 1);

@@ -1,0 +1,132 @@
+// The file selector's tree and the editor's rules: load, save, search and the checks
+// that mark a line without changing it.
+
+#include <gtest/gtest.h>
+
+#include "browser/editor.h"
+#include "browser/selector.h"
+#include "stores/ficheros.h"
+#include "stores/literales.h"
+#include "tests/apoyo.h"
+
+namespace valdor {
+namespace {
+
+using pruebas::CarpetaTemporal;
+using pruebas::escribeBytes;
+using pruebas::leeBytes;
+namespace fs = std::filesystem;
+
+TEST(Selector, LaRaizSoloSeCortaAnteWinsuiteExeEscritoAsi) {
+  EXPECT_EQ(raizSelector("C:\\WINSUITE\\Winsuite.exe"), "C:\\WINSUITE\\");
+  EXPECT_EQ(raizSelector("  D:\\RED\\Winsuite.exe  "), "D:\\RED\\");
+  EXPECT_EQ(raizSelector("C:\\WINSUITE\\WINSUITE.EXE"), "C:\\WINSUITE\\WINSUITE.EXE");
+  EXPECT_EQ(raizSelector("0:\\WINSUITE\\Winsuite.exe"), "");
+  EXPECT_EQ(raizSelector(""), "");
+}
+
+TEST(Selector, CuatroRamasConLosFicherosDeCadaCarpeta) {
+  CarpetaTemporal c;
+  const EntornoWine wine{c.ruta()};
+  const fs::path fan = c / "drive_c/WINSUITE/VIPTC2/FAN";
+  fs::create_directories(fan);
+  fs::create_directories(c / "drive_c/WINSUITE/VIPTC2/AFI");
+  escribeBytes(fan / "b2211260.FAN", "x");
+  escribeBytes(fan / "A1511260.fan", "x");
+  escribeBytes(fan / "NOTAS.TXT", "x");
+
+  const ArbolSelector a = cargaSelector("C:\\WINSUITE\\Winsuite.exe", wine);
+  EXPECT_EQ(a.titulo, "Editar ficheros en C:\\WINSUITE\\");
+  ASSERT_EQ(a.ramas.size(), 4u);
+  EXPECT_EQ(a.ramas[0].nodo.texto, "Cotización (FAN)"_cp);
+  EXPECT_EQ(a.ramas[3].nodo.clave, "H");
+  ASSERT_EQ(a.ramas[0].hijos.size(), 2u);
+  EXPECT_EQ(a.ramas[0].hijos[0].texto, "C:\\WINSUITE\\VIPTC2\\FAN\\A1511260.fan");
+  EXPECT_EQ(a.ramas[0].hijos[0].clave, "C0");
+  EXPECT_EQ(a.ramas[0].hijos[1].clave, "C1");
+  for (std::size_t i = 1; i < 4; ++i) EXPECT_TRUE(a.ramas[i].hijos.empty());
+
+  // The default spelling leaves the whole route as the root: four empty branches.
+  const ArbolSelector vacio = cargaSelector("C:\\WINSUITE\\WINSUITE.EXE", wine);
+  ASSERT_EQ(vacio.ramas.size(), 4u);
+  for (const RamaSelector& r : vacio.ramas) EXPECT_TRUE(r.hijos.empty());
+
+  // A branch title opens nothing; a file opens itself.
+  EXPECT_FALSE(ficheroDelNodo(a.ramas[0].nodo.texto));
+  EXPECT_EQ(ficheroDelNodo(a.ramas[0].hijos[1].texto), a.ramas[0].hijos[1].texto);
+  EXPECT_FALSE(ficheroDelNodo("C:\\WINSUITE\\viptc2\\FAN\\X.FAN"));
+}
+
+const std::string L70 = "TRA" + std::string(67, 'X');
+
+TEST(Editor, CargaGuardaYBusca) {
+  CarpetaTemporal c;
+  // Three lines of 70 with their ends: 216 bytes, 3.09 rows rounded to 3.
+  EXPECT_EQ(filasEstimadas(216, false), 3);
+  EXPECT_EQ(filasEstimadas(216, true), 4);
+  EXPECT_EQ(filasEstimadas(105, false), 2);  // 1.5: ties to even
+  EXPECT_EQ(filasEstimadas(175, false), 2);  // 2.5
+
+  const fs::path f = c / "F2211260.FAN";
+  escribeBytes(f, "ETI" + std::string(67, ' ') + "\r\n" + L70 + "Y\r\n\r\n" + "EMP" + std::string(67, '0'));
+  std::vector<std::string> lineas = leeLineas(f);
+  ASSERT_EQ(lineas.size(), 4u);
+  EXPECT_EQ(lineas[1].size(), 71u);  // loaded as it stands
+  EXPECT_EQ(lineas[2], "");
+  EXPECT_EQ(lineas[3].size(), 70u);  // the last line without its end
+  EXPECT_TRUE(leeLineas(c / "NOESTA.FAN").empty());
+
+  EXPECT_EQ(buscaLinea(lineas, "tra"), 1u);
+  EXPECT_EQ(buscaLinea(lineas, "emp0"), 3u);
+  EXPECT_FALSE(buscaLinea(lineas, "   "));
+  EXPECT_FALSE(buscaLinea(lineas, "ZZZ"));
+
+  // Saving drops the blank lines, and a line emptied by the user with them.
+  lineas[0] = "   ";
+  guardaLineas(f, lineas);
+  EXPECT_EQ(leeBytes(f), L70 + "Y\r\n" + "EMP" + std::string(67, '0') + "\r\n");
+  EXPECT_THROW(guardaLineas(c / "no/existe/X.FAN", lineas), ErrorFichero);
+}
+
+TEST(Editor, LaRevisionMarcaLongitudSegmentoYCuentasDelCierre) {
+  EXPECT_EQ(tipoDeFichero("c:\\x\\f2211260.fan"), TipoIntercambio::FAN);
+  EXPECT_EQ(tipoDeFichero("F1511260.AFI"), TipoIntercambio::AFI);
+  EXPECT_EQ(tipoDeFichero("NOTAS.TXT"), TipoIntercambio::Otro);
+
+  EXPECT_TRUE(observacionesDeLinea(L70, TipoIntercambio::FAN).empty());
+  EXPECT_EQ(observacionesDeLinea(L70.substr(0, 69), TipoIntercambio::FAN),
+            (std::vector<std::string>{"longitud 69"}));
+  // DOM is a segment of the affiliation file, not of the contribution file.
+  const std::string dom = "DOM" + std::string(67, ' ');
+  EXPECT_TRUE(observacionesDeLinea(dom, TipoIntercambio::AFI).empty());
+  EXPECT_EQ(observacionesDeLinea(dom, TipoIntercambio::FAN), (std::vector<std::string>{"segmento DOM"}));
+  EXPECT_TRUE(observacionesDeLinea("   ", TipoIntercambio::FAN).empty());
+
+  // ETI, EMP, RZS, TRA and the trailer: 1 company, 5 lines.
+  auto pie = [](std::string_view cuentas) {
+    return "ETF" + std::string(51, 'X') + std::string(cuentas) + "   ";
+  };
+  std::vector<std::string> f{"ETI" + std::string(67, ' '), "EMP" + std::string(67, ' '),
+                             "RZS" + std::string(67, ' '), L70, pie("0000100000005")};
+  ASSERT_EQ(f.back().size(), 70u);
+  CuentasPie c = cuentasDelPie(f);
+  EXPECT_TRUE(c.cuadran());
+  EXPECT_EQ(informeRevision(f, TipoIntercambio::FAN),
+            (std::vector<std::string>{std::string("Las cuentas del cierre ETF cuadran con el fichero: 1 empresas y 5 líneas."_cp)}));
+
+  // A line added by hand: the count of lines no longer tallies, and the line is marked.
+  f.insert(f.begin() + 3, "XYZ corta");
+  c = cuentasDelPie(f);
+  EXPECT_FALSE(c.cuadran());
+  EXPECT_EQ(c.lineas, 6);
+  EXPECT_EQ(c.lineasPie, 5);
+  EXPECT_EQ(informeRevision(f, TipoIntercambio::FAN),
+            (std::vector<std::string>{std::string("Línea 4: tiene 9 caracteres y debe tener 70."_cp),
+                                      std::string("Línea 4: \"XYZ\" no es un segmento de un fichero FAN."_cp),
+                                      std::string("El cierre ETF cuenta 5 líneas y el fichero tiene 6."_cp)}));
+  f.pop_back();
+  EXPECT_FALSE(cuentasDelPie(f).hayPie);
+}
+
+}  // namespace
+}  // namespace valdor
