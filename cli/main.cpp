@@ -38,6 +38,10 @@ constexpr std::string_view USO = R"(Uso: valdor-cli [--programa DIR] [--trabajo 
            [--clave V] [--nueva-clave V] [--borrar-pendientes]
            escribe el fichero de afiliación .AFI de los trabajadores pendientes; con
            --borrar-pendientes vacía después la tabla de pendientes
+  imprimir --empresa CODIGO [--mes M --ano A] [--puerto P] [--red]
+           imprime el boletín TC1 de la empresa en el impreso: en el puerto P, o en el de
+           VALDOR_IMPRESORA, o en LPT1 (/dev/lp0); un nombre que no es un puerto es un
+           fichero. --red lo marca como enviado por R.E.D. con la autorización
   revisar  FICHERO
            revisa un fichero .FAN o .AFI sin cambiarlo: las líneas que no tienen 70
            caracteres, las que no empiezan por un segmento de su tipo, y si las cuentas
@@ -126,6 +130,7 @@ int ejecuta(const Llamada& llamada) {
   if (llamada.orden == "fan") return ordenFan(llamada);
   if (llamada.orden == "afi") return ordenAfi(llamada);
   if (llamada.orden == "revisar") return ordenRevisar(llamada);
+  if (llamada.orden == "imprimir") return ordenImprimir(llamada);
   throw ErrorLlamada("Orden desconocida: " + utf8ACp1252(llamada.orden) + ".");
 }
 

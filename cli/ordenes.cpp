@@ -4,6 +4,9 @@
 #include <iostream>
 
 #include "cli/consola.h"
+#include "engine/cotval.h"
+#include "engine/motor.h"
+#include "statement/impresion.h"
 #include "fan/seleccion.h"
 #include "shell/ajustes.h"
 #include "shell/programa.h"
@@ -176,6 +179,45 @@ int ordenEmpresas(const Llamada& llamada) {
                                 llenaIzq(std::to_string(e.trabajadores), 5, ' '));
   escribeLinea(std::cout, std::to_string(lista.size()) + " empresas.");
   return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+}
+
+int ordenImprimir(const Llamada& llamada) {
+  const Opciones o(llamada.argumentos, {"--mes", "--ano", "--empresa", "--puerto"}, {"--red"});
+  int mes = 0, ano = 0;
+  periodo(o, llamada.ahora, mes, ano);
+  const auto empresa = o.texto("--empresa");
+  if (!empresa || recorta(*empresa).empty()) throw ErrorLlamada("imprimir espera --empresa CODIGO.");
+
+  DialogosConsola dialogos;
+  Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
+  programa.arranca();
+  const auto lista = empresasDelMes(programa.almacenes, mes, ano);
+  if (std::none_of(lista.begin(), lista.end(), [&](const auto& e) { return recorta(e.BSSE) == recorta(*empresa); }))
+    throw ErrorTrabajo("La empresa " + *empresa + std::string(" no tiene nóminas calculadas en "_cp) + dosCifras(mes) +
+                       "/" + std::to_string(ano) + ".");
+
+  // The company's statement as the statement form holds it after its TC1 run.
+  BOLETIN boletin;
+  TablaTrabajo grid;
+  EjecucionTC1 e;
+  e.mes = mes;
+  e.ano = ano;
+  e.empresa = recorta(*empresa);
+  e.empresaCalculada = [&](const COTVAL& calculo) {
+    boletin = calculo.boletin;
+    grid = calculo.GRID1;
+  };
+  ejecutaTC1(programa, e);
+
+  REGINTERCAMBIO registro = registroEnBlanco();
+  FicheroAjustes(programa.carpetas().trabajo).lee(registro);
+  const std::string puerto = nombrePuerto(o.texto("--puerto").value_or(programa.g.PUERTOIMPRESORA));
+  const auto ruta = rutaPuerto(puerto, programa.carpetas().trabajo);
+  const bool impreso = IMPRIMEBOLETIN(boletin, grid, leerred(registro, o.tiene("--red")), ruta, dialogos);
+  programa.termina();
+  if (!impreso) return SALIDAFALLO;
+  escribeLinea(std::cout, utf8ACp1252(ruta.string()));
+  return SALIDABIEN;
 }
 
 }  // namespace valdor::cli

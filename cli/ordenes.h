@@ -63,5 +63,6 @@ int ordenEmpresas(const Llamada& llamada);
 int ordenFan(const Llamada& llamada);
 int ordenAfi(const Llamada& llamada);
 int ordenRevisar(const Llamada& llamada);
+int ordenImprimir(const Llamada& llamada);
 
 }  // namespace valdor::cli

@@ -1,5 +1,7 @@
 #include "shell/programa.h"
 
+#include <cstdlib>
+
 #include "stores/texto.h"
 
 namespace valdor {
@@ -49,6 +51,7 @@ void Programa::arranca() {
   a.ABRECUENTAS();
 
   leeAjustes();
+  if (const char* puerto = std::getenv("VALDOR_IMPRESORA")) g.PUERTOIMPRESORA = utf8ACp1252(puerto);
   g.EMISORNOMBRE = leeEmisor(carpetas().trabajo);
   arrancado_ = true;
 }

@@ -42,6 +42,8 @@ struct Globales {
   // Set when a worker's line came out longer than 70 characters (it is kept cut at 70);
   // the wizard warns at its end. The statement run clears it when it starts.
   double LINEALARGA = 0;
+  // The printer port of the statement ("" for LPT1): VALDOR_IMPRESORA of the environment.
+  std::string PUERTOIMPRESORA;
   // The TC1 lines of the company at hand, entries 1 to 25 (entry 0 is not used).
   std::array<std::string, 26> LINEASTC1;
 };
