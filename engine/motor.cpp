@@ -106,6 +106,8 @@ void ejecutaTC1(Programa& programa, const EjecucionTC1& e) {
   Liquidacion liquidacion(calculo, programa);
   liquidacion.interruptores.Option1 = e.Option1;
   valdor::TC1VAL tc1(calculo, liquidacion, programa);
+  tc1.limpiaLineas = true;
+  programa.g.LINEASTC1[19].clear();  // no refund line outside a FAN file
   tc1.enCadaEmpresa = [&] {
     if (e.empresaCalculada) e.empresaCalculada(calculo);
     if (e.cancelado && e.cancelado()) tc1.cancelado = true;

@@ -166,6 +166,8 @@ void TC1VAL::ponFila(const FilaNomina& f) {
 void TC1VAL::liquidaEmpresa() {
   liquidacion_.CALCULATRABAJADOR(false);
   Globales& g = programa_.g;
+  if (limpiaLineas)
+    for (int i = 1; i <= 18; ++i) g.LINEASTC1[static_cast<std::size_t>(i)].clear();
   MONTALINEASTC1(calculo_.boletin, empleador_, programa_.separadores().decimal, g.LINEASTC1);
   if (devEnCta) {
     if (auto dba = lineaDBA(programa_.almacenes, recorta(calculo_.v.empresaPublica))) g.LINEASTC1[19] = *dba;
@@ -221,6 +223,7 @@ void TC1VAL::todasLasEmpresas() {
   }
   if (ultima.empty()) return;
   liquidaEmpresa();
+  if (enCadaEmpresa) enCadaEmpresa();
   programa_.dialogos().mensaje(tituloValdor(), textoFinTC1(), Icono::Informacion);
   liquidacion_.CALCULATRABAJADOR(false);
 }

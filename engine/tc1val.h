@@ -50,10 +50,14 @@ class TC1VAL {
 
   bool devEnCta = false;  // "Dev. en Cta.": entry 19 is built
   bool cancelado = false; // "Cancelar": looked at only at a company break
+  // Outside a FAN file each company's TC1 lines start empty (the FAN writer clears them
+  // itself before each company).
+  bool limpiaLineas = false;
   // Where the progress text goes (the wizard's guidance); may be absent.
   PaginaIntercambio* pagina = nullptr;
   // Told at each company break of the all-companies run, before the cancel flag is
-  // looked at: the screen takes the user's clicks there.
+  // looked at (the screen takes the user's clicks there), and after the last company,
+  // before the closing message.
   std::function<void()> enCadaEmpresa;
 
   // The employer loaded, the progress text shown; with `unaEmpresa` the one-company run.

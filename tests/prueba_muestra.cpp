@@ -213,7 +213,7 @@ TEST_F(Muestra, LaOficinaRicaTieneLoQueCadaIntercambioNecesita) {
   // Settings: 176 bytes, the route at offset 16; the sender in Windows-1252.
   const std::string ajustes = bytes(T("VALDOR.MDB"));
   ASSERT_EQ(ajustes.size(), 176u);
-  EXPECT_EQ(ajustes.substr(16, 25), "C:\\WINSUITE\\WINSUITE.EXE ");
+  EXPECT_EQ(ajustes.substr(16, 25), "C:\\WINSUITE\\Winsuite.exe ");
   EXPECT_EQ(bytes(T("EMISOR.TXT")), "GESTOR\xCD" "A LABORAL DEL VALLE, S.L.\n");
 
   // The rate file: 32 records; record 12 field 4 at 11 * 28 + 21; the employer's and the

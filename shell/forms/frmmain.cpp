@@ -15,6 +15,7 @@
 #include <QToolButton>
 #include <exception>
 
+#include "engine/forms/boletin_tc1.h"
 #include "shell/forms/barralista.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/pxvaldor32.h"
@@ -48,11 +49,16 @@ void frmMain::construye() {
   const QIcon iconoAfilia = estilo->standardIcon(QStyle::SP_FileDialogInfoView);
   const QIcon iconoWinsuite = estilo->standardIcon(QStyle::SP_ArrowForward);
   const QIcon iconoFicheros = estilo->standardIcon(QStyle::SP_DialogOpenButton);
+  const QIcon iconoBoletin = estilo->standardIcon(QStyle::SP_FileDialogListView);
   const QIcon iconoSalir = estilo->standardIcon(QStyle::SP_BrowserStop);
 
   // The menu.
   QMenu* mnuFile = menuBar()->addMenu(QStringLiteral("&Archivo"));
   mnuFile->setObjectName(QStringLiteral("mnuFile"));
+  QAction* mnuFileBoletin = mnuFile->addAction(iconoBoletin, q("&Boletín de cotización..."_cp));
+  mnuFileBoletin->setObjectName(QStringLiteral("mnuFileBoletin"));
+  connect(mnuFileBoletin, &QAction::triggered, this, [this] { pulsaBarraLista(QStringLiteral("BOLETIN")); });
+  mnuFile->addSeparator();
   QAction* mnuFileExit = mnuFile->addAction(iconoSalir, QStringLiteral("&Salir"));
   mnuFileExit->setObjectName(QStringLiteral("mnuFileExit"));
   connect(mnuFileExit, &QAction::triggered, this, [this] { pulsaBarraLista(QStringLiteral("salir")); });
@@ -94,6 +100,7 @@ void frmMain::construye() {
       {"afilia", "Afiliación"_cp, iconoAfilia},
       {"Winsuite", "Winsuite", iconoWinsuite},
       {"FICHE", "Editar Ficheros", iconoFicheros},
+      {"BOLETIN", "Boletín TC1"_cp, iconoBoletin},
       {"salir", "Salir", iconoSalir}};
   for (const auto& [clave, texto, icono] : elementos) SSListBar1_->agrega(QString::fromLatin1(clave), q(texto), icono);
   connect(SSListBar1_, &BarraLista::pulsado, this, &frmMain::pulsaBarraLista);
@@ -131,6 +138,8 @@ void frmMain::carga() {
 
 PXVALDOR32* frmMain::asistente() const { return asistente_; }
 
+TC1VAL* frmMain::boletin() const { return boletin_; }
+
 PXVALDOR32* frmMain::muestraAsistente() {
   if (!asistente_) {
     // A borderless child, filling the frame: the wizard carries its own close control.
@@ -148,6 +157,32 @@ PXVALDOR32* frmMain::muestraAsistente() {
   }
   marcoAsistente_->showMaximized();
   return asistente_;
+}
+
+TC1VAL* frmMain::muestraBoletin() {
+  if (!boletin_) {
+    marcoBoletin_ = new QMdiSubWindow(mdi_);
+    marcoBoletin_->setAttribute(Qt::WA_DeleteOnClose);
+    boletin_ = new TC1VAL(programa_, marcoBoletin_);
+    marcoBoletin_->setWidget(boletin_);
+    marcoBoletin_->setWindowIcon(style()->standardIcon(QStyle::SP_FileDialogListView));
+    mdi_->addSubWindow(marcoBoletin_);
+    connect(boletin_, &TC1VAL::ejecucion, this, &frmMain::bloqueaOrdenes);
+    connect(boletin_, &TC1VAL::cerrado, this, [this] {
+      boletin_ = nullptr;
+      marcoBoletin_ = nullptr;
+    });
+  }
+  marcoBoletin_->showMaximized();
+  mdi_->setActiveSubWindow(marcoBoletin_);
+  return boletin_;
+}
+
+void frmMain::bloqueaOrdenes(bool bloqueadas) {
+  for (QWidget* w : {static_cast<QWidget*>(SSListBar1_), static_cast<QWidget*>(barrasup_),
+                     static_cast<QWidget*>(menuBar())})
+    w->setEnabled(!bloqueadas);
+  if (marcoAsistente_) marcoAsistente_->setEnabled(!bloqueadas);
 }
 
 void frmMain::tipo(bool cotizacion) {
@@ -188,6 +223,8 @@ void frmMain::pulsaBarraLista(const QString& clave) {
       lanzaHerramienta();
     else if (clave == QLatin1String("FICHE"))
       editaFicheros();
+    else if (clave == QLatin1String("BOLETIN"))
+      muestraBoletin();
     else if (clave == QLatin1String("salir"))
       close();
   } catch (const std::exception& e) {
@@ -218,6 +255,13 @@ void frmMain::terminaProgreso() {
 }
 
 void frmMain::closeEvent(QCloseEvent* evento) {
+  // A statement run holds the stores that the exit closes: it is stopped at its next
+  // company break, and the window stays until it has.
+  if (boletin_ && boletin_->enMarcha()) {
+    boletin_->cancela();
+    evento->ignore();
+    return;
+  }
   programa_.termina();
   evento->accept();
 }

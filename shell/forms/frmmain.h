@@ -1,7 +1,8 @@
 // frmMain, the one main window: a frame of child windows with the list bar, the top
 // bar, the tool bar, the status bar and the menu. Its load runs the start of the
 // program and shows the exchange wizard inside it; its close runs the exit. The
-// commands of its bars route to the wizard, the file selector and the tool.
+// commands of its bars route to the wizard, the statement form, the file selector and
+// the tool.
 #pragma once
 
 #include <QMainWindow>
@@ -24,6 +25,7 @@ namespace valdor::formularios {
 
 class BarraLista;
 class PXVALDOR32;
+class TC1VAL;
 
 class frmMain : public QMainWindow {
   Q_OBJECT
@@ -39,6 +41,8 @@ class frmMain : public QMainWindow {
 
   // The wizard while it is loaded, else nullptr.
   PXVALDOR32* asistente() const;
+  // The statement form while it is loaded, else nullptr.
+  TC1VAL* boletin() const;
 
   // The commands, by the key of the clicked item or tool; any other key is ignored.
   void pulsaBarraLista(const QString& clave);
@@ -53,6 +57,9 @@ class frmMain : public QMainWindow {
  private:
   void construye();
   PXVALDOR32* muestraAsistente();
+  TC1VAL* muestraBoletin();
+  // While the statement form runs, every other command of the window waits.
+  void bloqueaOrdenes(bool bloqueadas);
   void tipo(bool cotizacion);
   void lanzaHerramienta();
   void editaFicheros();
@@ -71,6 +78,8 @@ class frmMain : public QMainWindow {
   QProgressBar* progreso_ = nullptr;
   QPointer<PXVALDOR32> asistente_;
   QPointer<QMdiSubWindow> marcoAsistente_;
+  QPointer<TC1VAL> boletin_;
+  QPointer<QMdiSubWindow> marcoBoletin_;
 };
 
 }  // namespace valdor::formularios

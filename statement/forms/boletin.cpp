@@ -232,6 +232,8 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre) {
   // The worker's sheet.
   {
     QGroupBox* b = grupo(QStringLiteral("TC2-TC2/1 ABREVIADO"), this);
+    b->setObjectName(QStringLiteral("HojaTC2"));
+    hoja_ = b;
     QGridLayout* g = rejilla(b);
     struct Identidad {
       QString titulo;
@@ -282,6 +284,10 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre) {
   }
   columnaDerecha->addStretch(1);
 }
+
+void VistaBoletin::muestraHoja(bool visible) { hoja_->setVisible(visible); }
+
+bool VistaBoletin::hojaVisible() const { return !hoja_->isHidden(); }
 
 void VistaBoletin::muestra(const valdor::COTVAL& calculo) { muestra(calculo.cajas, hojaTC2(calculo.GRID1)); }
 

@@ -5,9 +5,10 @@
 // Names of the controls:
 //  - the statement boxes: "Text1" ... "Text58" (there is no Text56) and "Text78",
 //    "Text79", "Text80" (the second row of "OTRAS COTIZACIONES"), each showing its box;
-//  - the sheet: "Apellidos", "Nombre", "Afiliacion", "Nif", "DiasAlta", "GrupoCotizacion",
-//    "ClaseContrato", "Horas", "Epigrafe", "DiasIT", "DiasMaternidad", "EpigrafeIT",
-//    "BaseAT", "FechaBonificacion", one for each piece of HojaTC2.
+//  - the sheet, in the group "HojaTC2": "Apellidos", "Nombre", "Afiliacion", "Nif",
+//    "DiasAlta", "GrupoCotizacion", "ClaseContrato", "Horas", "Epigrafe", "DiasIT",
+//    "DiasMaternidad", "EpigrafeIT", "BaseAT", "FechaBonificacion", one for each piece
+//    of HojaTC2.
 #pragma once
 
 #include <QWidget>
@@ -16,6 +17,7 @@
 #include "engine/estado.h"
 #include "statement/hojatc2.h"
 
+class QGroupBox;
 class QLineEdit;
 
 namespace valdor {
@@ -36,12 +38,17 @@ class VistaBoletin : public QWidget {
   // the blanks that fill the box's field on the right.
   void muestra(const CajasBoletin& cajas, const HojaTC2& hoja);
 
+  // The worker's sheet shown or hidden; the statement stays as it is.
+  void muestraHoja(bool visible);
+  bool hojaVisible() const;
+
  private:
   QLineEdit* caja(int numero, int caracteres, bool importe);
   QLineEdit* campoHoja(const char* nombre, int caracteres, bool importe);
 
   // The field of each box (nullptr for the boxes not shown).
   std::array<QLineEdit*, 81> cajas_{};
+  QGroupBox* hoja_ = nullptr;
   QLineEdit *apellidos_ = nullptr, *nombre_ = nullptr, *afiliacion_ = nullptr, *nif_ = nullptr;
   QLineEdit *diasAlta_ = nullptr, *grupo_ = nullptr, *contrato_ = nullptr, *horas_ = nullptr;
   QLineEdit *epigrafe_ = nullptr, *diasIT_ = nullptr, *diasMaternidad_ = nullptr, *epigrafeIT_ = nullptr;

@@ -8,6 +8,7 @@ int ejecutaPruebaConfiguracion(int argc, char** argv);
 int ejecutaPruebaAfilia(int argc, char** argv);
 int ejecutaPruebaCotizacion(int argc, char** argv);
 int ejecutaPruebaBoletin(int argc, char** argv);
+int ejecutaPruebaBoletinTC1(int argc, char** argv);
 }  // namespace valdor::pruebas
 
 int main(int argc, char** argv) {
@@ -15,7 +16,7 @@ int main(int argc, char** argv) {
   using namespace valdor::pruebas;
   int fallos = 0;
   for (auto prueba : {ejecutaPruebaPrincipal, ejecutaPruebaAsistente, ejecutaPruebaConfiguracion, ejecutaPruebaAfilia,
-                      ejecutaPruebaCotizacion, ejecutaPruebaBoletin})
+                      ejecutaPruebaCotizacion, ejecutaPruebaBoletin, ejecutaPruebaBoletinTC1})
     fallos += prueba(argc, argv);
   return fallos == 0 ? 0 : 1;
 }

@@ -19,6 +19,8 @@ using formularios::config;
 namespace {
 
 const std::string RUTA = "C:\\WINSUITE\\WINSUITE.EXE";
+// The route of the sample office, in the spelling of the tool's own file.
+const std::string RUTAMUESTRA = "C:\\WINSUITE\\Winsuite.exe";
 
 std::string relleno(std::string texto, std::size_t ancho) {
   texto.resize(ancho, ' ');
@@ -94,7 +96,7 @@ class PruebaConfiguracion : public QObject {
     const std::string ajustes = leeBytes(o.ajustes());
     QCOMPARE(ajustes.size(), LONGITUDREGISTRO);
     QCOMPARE(ajustes.substr(0, 16), std::string("12345678ABC     "));
-    QCOMPARE(ajustes.substr(16, RUTA.size() + 1), RUTA + " ");
+    QCOMPARE(ajustes.substr(16, RUTAMUESTRA.size() + 1), RUTAMUESTRA + " ");
     QCOMPARE(ajustes.substr(166), std::string("01/02/    "));
     QCOMPARE(leeBytes(o.carpetas.trabajo / "EMISOR.TXT"), emisor);
   }

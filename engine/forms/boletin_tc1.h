@@ -1,0 +1,99 @@
+// TC1VAL, the statement form "Boletín de cotización a la Seguridad Social": a child
+// window of the main frame where the clerk picks a month, a surcharge and one company
+// or all of them, and "Calcular" runs the TC1 of the core (ejecutaTC1) outside any FAN
+// file. It shows the statement of the company last calculated (a VistaBoletin) and,
+// under it, the TC1 lines that company leaves for the exchange file.
+//
+// Names of the controls: "Combo1" (month), "Combo2" (year), the surcharge group
+// "Option1" with "Option1_0".."Option1_2", the companies group "Option3D1" with
+// "Option3D1_0" ("&Todas.") and "Option3D1_1" ("&Una empresa."), "ComboEmpresa",
+// the buttons "Calcular", "Command3D8" ("Cancelar"), "TC2" and "Salir", the progress
+// panel "Panel3D3", the view "VistaBoletin" and the line list "ListaTC1".
+#pragma once
+
+#include <QElapsedTimer>
+#include <QWidget>
+#include <array>
+#include <string>
+#include <vector>
+
+#include "engine/estado.h"
+#include "fan/seleccion.h"
+#include "statement/hojatc2.h"
+
+class QComboBox;
+class QLabel;
+class QListWidget;
+class QPushButton;
+class QRadioButton;
+
+namespace valdor {
+class COTVAL;
+class Programa;
+}  // namespace valdor
+
+namespace valdor::formularios {
+
+class VistaBoletin;
+
+class TC1VAL : public QWidget {
+  Q_OBJECT
+
+ public:
+  explicit TC1VAL(Programa& programa, QWidget* padre = nullptr);
+
+  // True while "Calcular" runs.
+  bool enMarcha() const { return enMarcha_; }
+  // "Cancelar": the all-companies run stops at its next company break.
+  void cancela();
+
+ signals:
+  // A run starts (true) or ends (false): the main window keeps its other commands
+  // still meanwhile, since the run shares the program's stores with them.
+  void ejecucion(bool enMarcha);
+  // The form is being unloaded.
+  void cerrado();
+
+ protected:
+  void closeEvent(QCloseEvent* evento) override;
+
+ private:
+  void construye();
+  void cargaEmpresas();
+  void actualizaControles();
+  void calcula();
+  void sal();
+
+  // A month may hold thousands of companies: the statement is drawn at most every
+  // INTERVALO milliseconds, and the one not drawn is kept so that the last company
+  // calculated is the one on screen at the end.
+  void empresaCalculada(const valdor::COTVAL& calculo);
+  void dibujaPendiente();
+  static constexpr qint64 INTERVALO = 100;
+
+  int mesElegido() const;
+  int anoElegido() const;
+
+  Programa& programa_;
+  std::vector<EmpresaDelMes> empresas_;  // the companies of ComboEmpresa, in its order
+  int primerAno_ = 0;                    // the year of the first item of Combo2
+  bool enMarcha_ = false;
+  bool cancelado_ = false;
+
+  QElapsedTimer reloj_;
+  bool pendiente_ = false;  // a company calculated since the last drawing
+  CajasBoletin cajasPendientes_;
+  HojaTC2 hojaPendiente_;
+  std::vector<std::string> lineasPendientes_;
+  std::string nombrePendiente_;
+
+  QComboBox *Combo1_ = nullptr, *Combo2_ = nullptr, *ComboEmpresa_ = nullptr;
+  std::array<QRadioButton*, 3> Option1_{};
+  QRadioButton *todas_ = nullptr, *una_ = nullptr;
+  QPushButton *calcular_ = nullptr, *Command3D8_ = nullptr, *tc2_ = nullptr, *salir_ = nullptr;
+  QLabel* Panel3D3_ = nullptr;
+  VistaBoletin* vista_ = nullptr;
+  QListWidget* ListaTC1_ = nullptr;
+};
+
+}  // namespace valdor::formularios
