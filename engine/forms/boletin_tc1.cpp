@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QButtonGroup>
+#include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
 #include <QFontDatabase>
@@ -23,9 +24,11 @@
 #include "engine/tc1val.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/texto_qt.h"
+#include "shell/ajustes.h"
 #include "shell/momento.h"
 #include "shell/programa.h"
 #include "statement/forms/boletin.h"
+#include "statement/impresion.h"
 #include "stores/literales.h"
 #include "stores/texto.h"
 
@@ -167,11 +170,18 @@ void TC1VAL::construye() {
   tc2_ = boton("TC2", QStringLiteral("TC2"), QStyle::SP_FileDialogContentsView);
   tc2_->setCheckable(true);
   tc2_->setToolTip(QStringLiteral("Muestra u oculta la hoja TC2 del primer trabajador de la empresa"));
+  imprimir_ = boton("Imprimir", QStringLiteral("Imprimir"), QStyle::SP_FileDialogDetailedView);
+  imprimir_->setToolTip(QStringLiteral("Imprime el boletín en el impreso oficial"));
+  Check4_ = new QCheckBox(QStringLiteral("Enviado por R.E.D."), contenido);
+  Check4_->setObjectName(QStringLiteral("Check4"));
   salir_ = boton("Salir", QStringLiteral("Salir"), QStyle::SP_DialogCloseButton);
   auto* ordenes = new QHBoxLayout;
   ordenes->addWidget(calcular_);
   ordenes->addWidget(Command3D8_);
   ordenes->addWidget(tc2_);
+  ordenes->addSpacing(12);
+  ordenes->addWidget(imprimir_);
+  ordenes->addWidget(Check4_);
   ordenes->addStretch(1);
   ordenes->addWidget(salir_);
 
@@ -221,6 +231,7 @@ void TC1VAL::construye() {
   connect(calcular_, &QPushButton::clicked, this, &TC1VAL::calcula);
   connect(Command3D8_, &QPushButton::clicked, this, &TC1VAL::cancela);
   connect(tc2_, &QPushButton::toggled, this, [this](bool visible) { vista_->muestraHoja(visible); });
+  connect(imprimir_, &QPushButton::clicked, this, &TC1VAL::imprime);
   connect(salir_, &QPushButton::clicked, this, &TC1VAL::sal);
 }
 
@@ -249,6 +260,7 @@ void TC1VAL::actualizaControles() {
   ComboEmpresa_->setEnabled(libre && una_->isChecked());
   calcular_->setEnabled(libre && (todas_->isChecked() || ComboEmpresa_->count() > 0));
   salir_->setEnabled(libre);
+  imprimir_->setEnabled(libre && hayBoletin_);
   Command3D8_->setEnabled(enMarcha_ && todas_->isChecked() && !cancelado_);
 }
 
@@ -309,6 +321,9 @@ void TC1VAL::empresaCalculada(const valdor::COTVAL& calculo) {
   hojaPendiente_ = hojaTC2(calculo.GRID1);
   lineasPendientes_ = lineasTC1(programa_.g);
   nombrePendiente_ = recorta(calculo.boletin.BOLNOMBRE.texto());
+  boletin_ = calculo.boletin;
+  grid_ = calculo.GRID1;
+  hayBoletin_ = true;
   pendiente_ = true;
   if (!reloj_.isValid() || reloj_.elapsed() >= INTERVALO) {
     dibujaPendiente();
@@ -325,6 +340,17 @@ void TC1VAL::dibujaPendiente() {
   ListaTC1_->clear();
   for (const std::string& linea : lineasPendientes_) ListaTC1_->addItem(q(linea));
   if (!cancelado_) Panel3D3_->setText(q(textoCalculandoTC1(nombrePendiente_)));
+}
+
+void TC1VAL::imprime() {
+  if (enMarcha_ || !hayBoletin_) return;
+  REGINTERCAMBIO registro = registroEnBlanco();
+  FicheroAjustes(programa_.carpetas().trabajo).lee(registro);
+  const auto puerto = rutaPuerto(nombrePuerto(programa_.g.PUERTOIMPRESORA), programa_.carpetas().trabajo);
+  if (IMPRIMEBOLETIN(boletin_, grid_, leerred(registro, Check4_->isChecked()), puerto, programa_.dialogos())) {
+    Panel3D3_->setText(QStringLiteral("Boletín enviado a ") + QString::fromStdString(puerto.string()));
+    Panel3D3_->show();
+  }
 }
 
 void TC1VAL::sal() {

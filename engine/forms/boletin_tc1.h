@@ -7,8 +7,12 @@
 // Names of the controls: "Combo1" (month), "Combo2" (year), the surcharge group
 // "Option1" with "Option1_0".."Option1_2", the companies group "Option3D1" with
 // "Option3D1_0" ("&Todas.") and "Option3D1_1" ("&Una empresa."), "ComboEmpresa",
-// the buttons "Calcular", "Command3D8" ("Cancelar"), "TC2" and "Salir", the progress
-// panel "Panel3D3", the view "VistaBoletin" and the line list "ListaTC1".
+// the buttons "Calcular", "Command3D8" ("Cancelar"), "TC2", "Imprimir" and "Salir", the
+// check box "Check4" ("Enviado por R.E.D."), the progress panel "Panel3D3", the view
+// "VistaBoletin" and the line list "ListaTC1".
+//
+// "Imprimir" prints the statement on screen on the pre-printed form, to the port of the
+// settings (VALDOR_IMPRESORA, else LPT1).
 #pragma once
 
 #include <QElapsedTimer>
@@ -21,6 +25,7 @@
 #include "fan/seleccion.h"
 #include "statement/hojatc2.h"
 
+class QCheckBox;
 class QComboBox;
 class QLabel;
 class QListWidget;
@@ -62,6 +67,7 @@ class TC1VAL : public QWidget {
   void cargaEmpresas();
   void actualizaControles();
   void calcula();
+  void imprime();
   void sal();
 
   // A month may hold thousands of companies: the statement is drawn at most every
@@ -86,11 +92,17 @@ class TC1VAL : public QWidget {
   HojaTC2 hojaPendiente_;
   std::vector<std::string> lineasPendientes_;
   std::string nombrePendiente_;
+  // The statement last calculated, as the printing needs it.
+  BOLETIN boletin_;
+  TablaTrabajo grid_;
+  bool hayBoletin_ = false;
 
   QComboBox *Combo1_ = nullptr, *Combo2_ = nullptr, *ComboEmpresa_ = nullptr;
   std::array<QRadioButton*, 3> Option1_{};
   QRadioButton *todas_ = nullptr, *una_ = nullptr;
-  QPushButton *calcular_ = nullptr, *Command3D8_ = nullptr, *tc2_ = nullptr, *salir_ = nullptr;
+  QPushButton *calcular_ = nullptr, *Command3D8_ = nullptr, *tc2_ = nullptr, *imprimir_ = nullptr,
+              *salir_ = nullptr;
+  QCheckBox* Check4_ = nullptr;
   QLabel* Panel3D3_ = nullptr;
   VistaBoletin* vista_ = nullptr;
   QListWidget* ListaTC1_ = nullptr;

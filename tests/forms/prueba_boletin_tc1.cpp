@@ -2,6 +2,7 @@
 // one-company and all-companies runs with the TC1 lines under the statement, the cancel
 // at a company break, and the main window that opens it and waits while it runs.
 #include <QAction>
+#include <QCheckBox>
 #include <QComboBox>
 #include <QLabel>
 #include <QLineEdit>
@@ -24,6 +25,8 @@
 #include "shell/forms/pxvaldor32.h"
 #include "statement/forms/boletin.h"
 #include "stores/literales.h"
+#include "stores/numeros.h"
+#include "tests/apoyo.h"
 #include "tests/forms/oficina_qt.h"
 
 namespace valdor::pruebas {
@@ -265,6 +268,16 @@ class PruebaBoletinTC1 : public QObject {
     QVERIFY(s.c<QPushButton>("Calcular")->isEnabled() && s.c<QPushButton>("Salir")->isEnabled());
     QVERIFY(!s.c<QPushButton>("Command3D8")->isEnabled());
     QVERIFY(!s.c<QLabel>("Panel3D3")->isVisible());
+
+    // "Imprimir" sends the statement on screen to the port, here a file of the work
+    // folder: its first line is the sole trader's name after the form's 32 blanks, in the
+    // printer's letters.
+    s.programa.g.PUERTOIMPRESORA = "boletin.txt";
+    s.c<QCheckBox>("Check4")->setChecked(true);
+    s.c<QPushButton>("Imprimir")->click();
+    const std::string impreso = pruebas::leeBytes(s.o.carpetas.trabajo / "boletin.txt");
+    QVERIFY(impreso.starts_with(std::string(32, ' ') + QUITAACENTOS("Panadería Ángel Muñoz Ortega"_cp)));
+    QVERIFY(impreso.find("AUTORIZACION TGSS") != std::string::npos);
 
     // Every company: the closing box, and the last company of the index on screen with
     // its own lines only.
