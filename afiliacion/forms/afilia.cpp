@@ -14,6 +14,7 @@
 #include <exception>
 
 #include "shell/asistente.h"
+#include "shell/forms/cabecera.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/programa.h"
@@ -90,21 +91,10 @@ AFILIA::AFILIA(Programa& programa, PaginaIntercambio& pagina, FormulariosInterca
 
 void AFILIA::construye() {
   // Title panel, as the wizard's, with the sender beneath.
-  auto* cabecera = new QFrame(this);
-  cabecera->setObjectName(QStringLiteral("cabecera"));
-  cabecera->setStyleSheet(QStringLiteral(
-      "#cabecera { background: qlineargradient(x1:0, y1:0, x2:1, y2:0, stop:0 #1f3f6e, stop:1 #5b86bd); }"
-      "#titulo { color: white; font-size: 15pt; font-weight: bold; }"
-      "#Label19 { color: #e8eef7; font-style: italic; }"));
-  auto* titulo = new QLabel(q(tituloAFILIA()), cabecera);
-  titulo->setObjectName(QStringLiteral("titulo"));
-  Label19_ = new QLabel(cabecera);
-  Label19_->setObjectName(QStringLiteral("Label19"));
-  auto* capaCabecera = new QVBoxLayout(cabecera);
-  capaCabecera->setContentsMargins(12, 8, 12, 8);
-  capaCabecera->setSpacing(2);
-  capaCabecera->addWidget(titulo);
-  capaCabecera->addWidget(Label19_);
+  const Cabecera banda =
+      cabecera(this, q(tituloAFILIA()), 15, QStringLiteral("Label19"), QStringLiteral("font-style: italic;"));
+  QFrame* cabecera = banda.marco;
+  Label19_ = banda.detalle;
 
   // The working grid and the companies.
   GRID1_ = rejilla("GRID1", COLUMNASAFI, this);

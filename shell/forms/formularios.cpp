@@ -1,10 +1,10 @@
 #include "shell/forms/formularios.h"
 
 #include "afiliacion/forms/afilia.h"
+#include "browser/forms/editor.h"
 #include "engine/forms/cotval.h"
 #include "fan/forms/cotizacion.h"
 #include "shell/programa.h"
-#include "stores/literales.h"
 
 namespace valdor::formularios {
 
@@ -29,9 +29,9 @@ void FormulariosQt::AFILIA() {
 }
 
 void FormulariosQt::EDITOR() {
-  programa_.dialogos().mensaje(tituloValdor(),
-                               "El editor de ficheros todavía no está disponible en esta versión."_cp,
-                               Icono::Informacion);
+  // The file just written, named by FICHEROSALIDA.
+  formularios::EDITOR editor(programa_, lanzador_, padre_);
+  editor.exec();
 }
 
 FabricaFormularios fabricaFormulariosQt() {

@@ -1,6 +1,5 @@
 // The modal forms that "&Aceptar" hands over to: the company selection COTIZACION, the
-// affiliation module AFILIA and the exchange file editor EDITOR. Each form arrives
-// with its own subsystem; until then its method says so and lets fan2 end cleanly.
+// affiliation module AFILIA and the exchange file editor EDITOR.
 #pragma once
 
 #include <QPointer>
@@ -9,6 +8,7 @@
 #include <memory>
 
 #include "shell/asistente.h"
+#include "shell/rutas.h"
 
 namespace valdor {
 class Programa;
@@ -30,6 +30,8 @@ class FormulariosQt : public FormulariosIntercambio {
   Programa& programa_;
   PaginaIntercambio& pagina_;
   QPointer<QWidget> padre_;
+  // The editor's "Imprimir" hands the file to the system's text editor.
+  LanzadorDelSistema lanzador_;
 };
 
 // How the wizard obtains its forms: the desktop's, or a test's stand-ins.

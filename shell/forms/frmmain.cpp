@@ -1,5 +1,7 @@
 #include "shell/forms/frmmain.h"
 
+#include "browser/forms/selector.h"
+
 #include <QAction>
 #include <QCloseEvent>
 #include <QDate>
@@ -206,9 +208,7 @@ void frmMain::editaFicheros() {
   Dialogos& dialogos = programa_.dialogos();
   dialogos.puntero(Puntero::FlechaReloj);
   if (marcoAsistente_) marcoAsistente_->hide();
-  // The file selector comes with its own subsystem.
-  dialogos.mensaje("Edición de Ficheros"_cp,
-                   "El selector de ficheros todavía no está disponible en esta versión."_cp, Icono::Informacion);
+  abreSelector(programa_, lanzador_, this);
   if (marcoAsistente_) marcoAsistente_->showMaximized();
   dialogos.puntero(Puntero::Normal);
 }

@@ -9,6 +9,7 @@ int ejecutaPruebaAfilia(int argc, char** argv);
 int ejecutaPruebaCotizacion(int argc, char** argv);
 int ejecutaPruebaBoletin(int argc, char** argv);
 int ejecutaPruebaBoletinTC1(int argc, char** argv);
+int ejecutaPruebaEditorFicheros(int argc, char** argv);
 }  // namespace valdor::pruebas
 
 int main(int argc, char** argv) {
@@ -16,7 +17,8 @@ int main(int argc, char** argv) {
   using namespace valdor::pruebas;
   int fallos = 0;
   for (auto prueba : {ejecutaPruebaPrincipal, ejecutaPruebaAsistente, ejecutaPruebaConfiguracion, ejecutaPruebaAfilia,
-                      ejecutaPruebaCotizacion, ejecutaPruebaBoletin, ejecutaPruebaBoletinTC1})
+                      ejecutaPruebaCotizacion, ejecutaPruebaBoletin, ejecutaPruebaBoletinTC1,
+                      ejecutaPruebaEditorFicheros})
     fallos += prueba(argc, argv);
   return fallos == 0 ? 0 : 1;
 }

@@ -59,7 +59,7 @@ struct Modulo {
   Oficina o;
   Programa p{o.carpetas, o.dialogos, {}, MOMENTO};
   PaginaIntercambio pagina;
-  formularios::FormulariosQt formularios{p, pagina, nullptr};  // its editor would leave a message
+  formularios::FormulariosQt formularios{p, pagina, nullptr};  // its editor opens on the new file
   std::unique_ptr<formularios::AFILIA> f;
   int finales = 0;
 };

@@ -105,17 +105,24 @@ class PruebaPrincipal : public QObject {
   void editarFicherosEscondeElAsistenteMientrasTanto() {
     Oficina o;
     Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.entornoWine = o.entorno;
     frmMain v(p, o.lanzador, o.entorno);
     v.carga();
     v.show();
-    bool visibleDuranteElCuadro = true;
-    o.dialogos.alMensaje = [&] { visibleDuranteElCuadro = v.asistente()->isVisible(); };
+    QString abierto;
+    bool visibleDuranteElSelector = true;
+    alAbrirModal([&](QWidget* modal) {
+      abierto = modal->objectName();
+      visibleDuranteElSelector = v.asistente()->isVisible();
+      modal->close();
+    });
     elemento(v, QStringLiteral("FICHE"))->click();
-    QCOMPARE(o.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(o.dialogos.mensajes[0].titulo, std::string("Edición de Ficheros"_cp));
-    QVERIFY(!visibleDuranteElCuadro);
+    QCOMPARE(abierto, QStringLiteral("selector"));
+    QVERIFY(!visibleDuranteElSelector);
     QVERIFY(v.asistente()->isVisible());
-    QCOMPARE(o.dialogos.punteros, (std::vector<Puntero>{Puntero::FlechaReloj, Puntero::Normal}));
+    QVERIFY(o.dialogos.mensajes.empty());
+    // The busy pointer until the selector is loaded, then the arrow.
+    QCOMPARE(o.dialogos.punteros, (std::vector<Puntero>{Puntero::FlechaReloj, Puntero::Normal, Puntero::Normal}));
   }
 
   void salirCierraLaVentanaYBorraElTemporal() {

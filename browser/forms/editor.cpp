@@ -1,0 +1,379 @@
+#include "browser/forms/editor.h"
+
+#include <QFontDatabase>
+#include <QHBoxLayout>
+#include <QHeaderView>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPointer>
+#include <QStyle>
+#include <QStyledItemDelegate>
+#include <QTableWidget>
+#include <QTimer>
+#include <QVBoxLayout>
+#include <algorithm>
+#include <exception>
+#include <functional>
+#include <system_error>
+
+#include "shell/asistente.h"
+#include "shell/forms/cabecera.h"
+#include "shell/forms/barralista.h"
+#include "shell/forms/dialogos_qt.h"
+#include "shell/forms/texto_qt.h"
+#include "shell/programa.h"
+#include "shell/rutas.h"
+#include "stores/ficheros.h"
+#include "stores/literales.h"
+#include "stores/texto.h"
+
+namespace valdor::formularios {
+
+namespace {
+
+QString q(std::string_view cp1252) { return aQString(cp1252); }
+
+// The length of every line of an exchange file, and the edit limit of a line.
+constexpr int LONGITUDLINEA = 70;
+
+// A marked row: its findings in dark red on light red.
+constexpr QRgb FONDOOBSERVACION = 0xf8d7d7;
+constexpr QRgb TEXTOOBSERVACION = 0x9c1c1c;
+
+// The cells around the line only show: neither the number, nor the length, nor the
+// findings are edited.
+QTableWidgetItem* celdaFija(const QString& texto = {}) {
+  auto* c = new QTableWidgetItem(texto);
+  c->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
+  return c;
+}
+
+QString cuenta(long n, const QString& uno, const QString& varios) {
+  return QStringLiteral("%1 %2").arg(n).arg(n == 1 ? uno : varios);
+}
+
+}  // namespace
+
+// The edit of a line: one line of text cut at 70 characters. The model takes the text
+// only when `acepta` lets it; a refused edit leaves the cell as it was.
+class EdicionLinea : public QStyledItemDelegate {
+ public:
+  EdicionLinea(std::function<bool(const QString&)> acepta, QObject* padre)
+      : QStyledItemDelegate(padre), acepta_(std::move(acepta)) {}
+
+  QWidget* createEditor(QWidget* padre, const QStyleOptionViewItem&, const QModelIndex&) const override {
+    auto* e = new QLineEdit(padre);
+    e->setObjectName(QStringLiteral("edicion"));
+    e->setMaxLength(LONGITUDLINEA);
+    e->setFrame(false);
+    abierta_ = e;
+    return e;
+  }
+
+  void setModelData(QWidget* editor, QAbstractItemModel* modelo, const QModelIndex& indice) const override {
+    if (auto* e = qobject_cast<QLineEdit*>(editor); e && acepta_ && !acepta_(e->text())) return;
+    QStyledItemDelegate::setModelData(editor, modelo, indice);
+  }
+
+  // Ends the edit still open as Enter would: the bar's commands do not take the focus, so
+  // without this they would see the line as it was before the typing.
+  void confirma() {
+    if (!abierta_) return;
+    QLineEdit* e = abierta_;
+    abierta_ = nullptr;
+    emit commitData(e);
+    emit closeEditor(e, QAbstractItemDelegate::NoHint);
+  }
+
+  // The form is going away: nothing of it is asked any more.
+  void suelta() { acepta_ = nullptr; }
+
+ private:
+  std::function<bool(const QString&)> acepta_;
+  mutable QPointer<QLineEdit> abierta_;
+};
+
+EDITOR::EDITOR(Programa& programa, Lanzador& lanzador, QWidget* padre)
+    : QDialog(padre), programa_(programa), lanzador_(lanzador) {
+  setObjectName(QStringLiteral("EDITOR"));
+  setWindowTitle(q("Edición del Fichero "_cp) + q(programa_.g.FICHEROEDITADO));
+  setModal(true);
+  resize(1120, 680);
+  construye();
+  carga();
+}
+
+void EDITOR::construye() {
+  auto* barra = new BarraLista(QStringLiteral("Editor"), this);
+  QStyle* estilo = style();
+  barra->agrega(QStringLiteral("guar"), QStringLiteral("Guardar"), estilo->standardIcon(QStyle::SP_DialogSaveButton));
+  barra->agrega(QStringLiteral("BUSCA"), QStringLiteral("Buscar"),
+                estilo->standardIcon(QStyle::SP_FileDialogContentsView));
+  barra->agrega(QStringLiteral("IMPRI"), QStringLiteral("Imprimir"),
+                estilo->standardIcon(QStyle::SP_FileDialogDetailedView));
+  barra->agrega(QStringLiteral("can"), QStringLiteral("Cancelar"), estilo->standardIcon(QStyle::SP_DialogCancelButton));
+  connect(barra, &BarraLista::pulsado, this, &EDITOR::pulsaBarraLista);
+
+  // The title panel with the file that is being edited.
+  const Cabecera banda = cabecera(this, q("Edición del Fichero"_cp), 13, QStringLiteral("fichero"));
+  QFrame* cabecera = banda.marco;
+  fichero_ = banda.detalle;
+  fichero_->setTextInteractionFlags(Qt::TextSelectableByMouse);
+
+  // The grid: the lines in a type of fixed pitch, so that the fields line up as in the
+  // file; the headers in the form's type.
+  REJILLA_ = new QTableWidget(0, COLUMNAS, this);
+  REJILLA_->setObjectName(QStringLiteral("REJILLA"));
+  REJILLA_->setHorizontalHeaderLabels(
+      {QStringLiteral("Orden"), QStringLiteral("Lineas del fichero"), QStringLiteral("Estado"), q("Revisión"_cp)});
+  QFont fija = QFontDatabase::systemFont(QFontDatabase::FixedFont);
+  fija.setPointSizeF(font().pointSizeF());
+  REJILLA_->setFont(fija);
+  REJILLA_->horizontalHeader()->setFont(font());
+  REJILLA_->verticalHeader()->hide();
+  REJILLA_->verticalHeader()->setDefaultSectionSize(REJILLA_->fontMetrics().height() + 8);
+  REJILLA_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  REJILLA_->setSelectionMode(QAbstractItemView::SingleSelection);
+  REJILLA_->setEditTriggers(QAbstractItemView::DoubleClicked | QAbstractItemView::EditKeyPressed |
+                            QAbstractItemView::AnyKeyPressed);
+  REJILLA_->setAlternatingRowColors(true);
+  REJILLA_->setWordWrap(false);
+  REJILLA_->setTextElideMode(Qt::ElideNone);
+  edicion_ = new EdicionLinea([this](const QString& texto) { return aceptaLinea(texto); }, REJILLA_);
+  REJILLA_->setItemDelegateForColumn(LINEA, edicion_);
+  const QFontMetrics medida = REJILLA_->fontMetrics();
+  QHeaderView* columnas = REJILLA_->horizontalHeader();
+  columnas->setHighlightSections(false);
+  columnas->setStretchLastSection(true);
+  REJILLA_->setColumnWidth(ORDEN, std::max(medida.horizontalAdvance(QStringLiteral("000000")) + 16,
+                                           columnas->fontMetrics().horizontalAdvance(QStringLiteral("Orden")) + 20));
+  REJILLA_->setColumnWidth(LINEA, medida.horizontalAdvance(QString(LONGITUDLINEA, QLatin1Char('0'))) + 24);
+  REJILLA_->setColumnWidth(ESTADO, columnas->fontMetrics().horizontalAdvance(QStringLiteral("Estado")) + 28);
+  connect(REJILLA_, &QTableWidget::itemChanged, this, &EDITOR::cambiaCelda);
+
+  // The status line: the trailer's counts against the lines, and the marked lines.
+  cierre_ = new QLabel(this);
+  cierre_->setObjectName(QStringLiteral("cierre"));
+  observaciones_ = new QLabel(this);
+  observaciones_->setObjectName(QStringLiteral("observaciones"));
+  observaciones_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
+  auto* estado = new QFrame(this);
+  estado->setObjectName(QStringLiteral("estado"));
+  estado->setFrameStyle(QFrame::StyledPanel | QFrame::Sunken);
+  auto* capaEstado = new QHBoxLayout(estado);
+  capaEstado->setContentsMargins(8, 4, 8, 4);
+  capaEstado->addWidget(cierre_, 1);
+  capaEstado->addWidget(observaciones_);
+
+  auto* cuerpo = new QVBoxLayout;
+  cuerpo->setContentsMargins(12, 10, 12, 12);
+  cuerpo->setSpacing(6);
+  cuerpo->addWidget(REJILLA_, 1);
+  cuerpo->addWidget(estado);
+
+  auto* derecha = new QVBoxLayout;
+  derecha->setContentsMargins(0, 0, 0, 0);
+  derecha->setSpacing(0);
+  derecha->addWidget(cabecera);
+  derecha->addLayout(cuerpo, 1);
+
+  auto* capa = new QHBoxLayout(this);
+  capa->setContentsMargins(0, 0, 0, 0);
+  capa->setSpacing(0);
+  capa->addWidget(barra);
+  capa->addLayout(derecha, 1);
+}
+
+// The rows the file's size suggests, then a row per line: its number, the line and its
+// length. A file that was not written leaves the grid empty.
+void EDITOR::carga() {
+  Globales& g = programa_.g;
+  if (recorta(g.FICHEROSALIDA).empty()) {
+    fichero_->setText(QStringLiteral("Sin fichero"));
+    programa_.dialogos().mensaje(tituloValdor(), "El fichero no se generó. El proceso ha sido abortado."_cp,
+                                 Icono::Critico);
+    muestraCierre();
+    return;
+  }
+  ruta_ = rutaNativa(g.FICHEROSALIDA, programa_.entornoWine);
+  tipo_ = tipoDeFichero(g.FICHEROSALIDA);
+  std::error_code error;
+  std::uintmax_t bytes = std::filesystem::file_size(ruta_, error);
+  if (error) bytes = 0;
+  lineas_ = leeLineas(ruta_);
+  const std::size_t leidas = lineas_.size();
+
+  cargando_ = true;
+  REJILLA_->clearContents();
+  // A file of many short lines may have more lines than the estimate: every line is shown.
+  const int filas = std::max(filasEstimadas(bytes, g.EDITAAFI == 1), static_cast<int>(leidas));
+  lineas_.resize(static_cast<std::size_t>(filas));
+  marcadas_.assign(static_cast<std::size_t>(filas), false);
+  REJILLA_->setRowCount(filas);
+  for (int f = 0; f < filas; ++f) {
+    const bool hayLinea = f < static_cast<int>(leidas);
+    QTableWidgetItem* orden = celdaFija(hayLinea ? QString::number(f + 1) : QString());
+    orden->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    REJILLA_->setItem(f, ORDEN, orden);
+    auto* linea = new QTableWidgetItem(q(lineas_[static_cast<std::size_t>(f)]));
+    linea->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable);
+    REJILLA_->setItem(f, LINEA, linea);
+    QTableWidgetItem* longitud = celdaFija();
+    longitud->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+    REJILLA_->setItem(f, ESTADO, longitud);
+    REJILLA_->setItem(f, REVISION, celdaFija());
+    revisaFila(f);
+  }
+  cargando_ = false;
+
+  const QString clase = tipo_ == TipoIntercambio::FAN   ? QStringLiteral("fichero de cotización (FAN)")
+                        : tipo_ == TipoIntercambio::AFI ? QStringLiteral("fichero de afiliación (AFI)")
+                                                        : QStringLiteral("fichero");
+  fichero_->setText(q(g.FICHEROSALIDA) + QStringLiteral("   \u2014   ") + clase + QStringLiteral(", ") +
+                    cuenta(static_cast<long>(leidas), QStringLiteral("línea"), QStringLiteral("líneas")));
+  muestraCierre();
+}
+
+EDITOR::~EDITOR() {
+  // The grid is destroyed after this class's members, and an edit still open is committed
+  // as it goes: from here on nothing may reach back into the form.
+  edicion_->suelta();
+  disconnect(REJILLA_, nullptr, this, nullptr);
+}
+
+void EDITOR::pulsaBarraLista(const QString& clave) {
+  if (clave != QLatin1String("can")) edicion_->confirma();
+  if (clave == QLatin1String("guar"))
+    guarda();
+  else if (clave == QLatin1String("BUSCA"))
+    busca();
+  else if (clave == QLatin1String("IMPRI"))
+    imprime();
+  else if (clave == QLatin1String("can"))
+    reject();
+}
+
+void EDITOR::done(int resultado) {
+  programa_.g.EDITAAFI = 0;
+  QDialog::done(resultado);
+}
+
+// Every row as it stands, the blank ones left out by the save; the rows keep their
+// numbers on the screen.
+void EDITOR::guarda() {
+  if (ruta_.empty()) return;
+  try {
+    guardaLineas(ruta_, lineas_);
+  } catch (const ErrorFichero& e) {
+    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
+  } catch (const std::exception& e) {
+    avisaError(programa_.dialogos(), e);
+  }
+  muestraCierre();
+}
+
+// The first line holding the text becomes the top row, selected. No hit, no message.
+void EDITOR::busca() {
+  const std::optional<std::string> texto =
+      programa_.dialogos().entrada("BUSQUEDA DE TEXTO", " Introduzca el texto que desee buscar");
+  if (!texto) return;
+  const std::optional<std::size_t> fila = buscaLinea(lineas_, *texto);
+  if (!fila) return;
+  QTableWidgetItem* celda = REJILLA_->item(static_cast<int>(*fila), LINEA);
+  REJILLA_->setCurrentItem(celda);
+  REJILLA_->scrollToItem(celda, QAbstractItemView::PositionAtTop);
+}
+
+// The file as it is on disk goes to the system's text editor, which prints it.
+void EDITOR::imprime() {
+  if (ruta_.empty()) return;
+  lanzador_.lanza({"xdg-open", ruta_.string()});
+}
+
+void EDITOR::cambiaCelda(QTableWidgetItem* celda) {
+  if (cargando_ || celda->column() != LINEA) return;
+  lineas_.at(static_cast<std::size_t>(celda->row())) = aCp1252(celda->text());
+  revisaFila(celda->row());
+  muestraCierre();
+}
+
+bool EDITOR::aceptaLinea(const QString& texto) {
+  std::size_t perdidos = 0;
+  utf8ACp1252(texto.toUtf8().toStdString(), &perdidos);
+  if (perdidos == 0) return true;
+  // The first character without a place, by its position and its code, since the box
+  // itself cannot show it.
+  const QList<uint> caracteres = texto.toUcs4();
+  qsizetype posicion = 0;
+  uint codigo = 0;
+  for (qsizetype i = 0; i < caracteres.size(); ++i) {
+    const char32_t c = caracteres[i];
+    if (!esRepresentableCp1252(QString::fromUcs4(&c, 1).toUtf8().toStdString())) {
+      posicion = i + 1;
+      codigo = caracteres[i];
+      break;
+    }
+  }
+  const std::string aviso =
+      std::string("La línea no se ha cambiado: el carácter número "_cp) + std::to_string(posicion) + " (U+" +
+      QStringLiteral("%1").arg(codigo, 4, 16, QLatin1Char('0')).toUpper().toStdString() +
+      std::string(") no existe en el juego de caracteres de los ficheros de intercambio. Escriba la línea con "
+                  "letras, cifras y signos del teclado español."_cp);
+  // The box waits until the edit has closed, so that it does not steal the editor's focus
+  // in the middle of its commit.
+  QTimer::singleShot(0, this,
+                     [this, aviso] { programa_.dialogos().mensaje(tituloValdor(), aviso, Icono::Exclamacion); });
+  return false;
+}
+
+// The length and the findings of one row, from its line as it stands.
+void EDITOR::revisaFila(int fila) {
+  const std::string& linea = lineas_.at(static_cast<std::size_t>(fila));
+  const bool blanca = recorta(linea).empty();
+  QTableWidgetItem* longitud = REJILLA_->item(fila, ESTADO);
+  longitud->setText(blanca ? QString() : QString::number(linea.size()));
+  longitud->setForeground(!blanca && linea.size() != LONGITUDLINEA ? QBrush(QColor(TEXTOOBSERVACION)) : QBrush());
+
+  QString texto;
+  for (const std::string& o : observacionesDeLinea(linea, tipo_))
+    texto += (texto.isEmpty() ? QString() : QStringLiteral(", ")) + q(o);
+  marcadas_[static_cast<std::size_t>(fila)] = !texto.isEmpty();
+  QTableWidgetItem* revision = REJILLA_->item(fila, REVISION);
+  revision->setText(texto);
+  revision->setBackground(texto.isEmpty() ? QBrush() : QBrush(QColor(FONDOOBSERVACION)));
+  revision->setForeground(texto.isEmpty() ? QBrush() : QBrush(QColor(TEXTOOBSERVACION)));
+}
+
+// The verdict on the trailer over the lines of the grid, and how many lines are marked.
+void EDITOR::muestraCierre() {
+  const CuentasPie c = cuentasDelPie(lineas_);
+  const QString EMPRESA = QStringLiteral("empresa"), EMPRESAS = QStringLiteral("empresas");
+  const QString LINEA1 = QStringLiteral("línea"), LINEAS = QStringLiteral("líneas");
+  QString texto;
+  if (!c.hayPie) {
+    texto = q("No hay línea de cierre ETF con sus cuentas de empresas y de líneas."_cp);
+  } else {
+    texto = QStringLiteral("Cierre ETF: ") + cuenta(c.empresasPie, EMPRESA, EMPRESAS) + QStringLiteral(", ") +
+            cuenta(c.lineasPie, LINEA1, LINEAS);
+    if (c.cuadran()) {
+      texto += QStringLiteral(": cuadran con el fichero.");
+    } else {
+      QStringList difieren;
+      if (c.empresasPie != c.empresas) difieren << cuenta(c.empresas, EMPRESA, EMPRESAS);
+      if (c.lineasPie != c.lineas) difieren << cuenta(c.lineas, LINEA1, LINEAS);
+      texto += QStringLiteral(". No cuadran: el fichero tiene ") + difieren.join(QStringLiteral(" y ")) +
+               QLatin1Char('.');
+    }
+  }
+  cierre_->setText(texto);
+  cierre_->setStyleSheet(c.cuadran() ? QStringLiteral("color: #1d6b2a; font-weight: bold;")
+                                     : QStringLiteral("color: #9c1c1c; font-weight: bold;"));
+
+  const auto marcadas = static_cast<long>(std::count(marcadas_.begin(), marcadas_.end(), true));
+  observaciones_->setText(marcadas == 0 ? q("Ninguna línea con observaciones."_cp)
+                                        : cuenta(marcadas, QStringLiteral("línea con observaciones"),
+                                                 QStringLiteral("líneas con observaciones")) +
+                                              QStringLiteral(" (columna Revisión)."));
+}
+
+}  // namespace valdor::formularios

@@ -1,0 +1,24 @@
+// The blue title band of the program's forms: the title in white and, under it, a line
+// of detail (the file, the root, the sender).
+#pragma once
+
+#include <QString>
+
+class QFrame;
+class QLabel;
+class QWidget;
+
+namespace valdor::formularios {
+
+struct Cabecera {
+  QFrame* marco = nullptr;
+  QLabel* titulo = nullptr;   // objectName "titulo"
+  QLabel* detalle = nullptr;  // objectName `nombreDetalle`
+};
+
+// A band for `padre` with `titulo` at `puntos` points; the detail line is empty and
+// takes the style given for it (a Qt style sheet body, e.g. "font-style: italic;").
+Cabecera cabecera(QWidget* padre, const QString& titulo, int puntos, const QString& nombreDetalle,
+                  const QString& estiloDetalle = {});
+
+}  // namespace valdor::formularios
