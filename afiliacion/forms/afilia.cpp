@@ -23,8 +23,6 @@ namespace valdor::formularios {
 
 namespace {
 
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
 // The fixed-width fields and lines in a type of fixed pitch, so that they line up as in
 // the file.
 QFont letraFija(const QFont& base) {

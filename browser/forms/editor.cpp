@@ -31,8 +31,6 @@ namespace valdor::formularios {
 
 namespace {
 
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
 // The length of every line of an exchange file, and the edit limit of a line.
 constexpr int LONGITUDLINEA = 70;
 

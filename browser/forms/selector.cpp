@@ -21,8 +21,6 @@ namespace valdor::formularios {
 
 namespace {
 
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
 enum Columna { FICHERO = 0, MODIFICADO = 1, TAMANO = 2 };
 
 }  // namespace

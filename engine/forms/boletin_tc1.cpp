@@ -36,8 +36,6 @@ namespace valdor::formularios {
 
 namespace {
 
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
 // The years of Combo2: ten before the program's date and one after.
 constexpr int ANOSANTES = 10;
 constexpr int ANOSDESPUES = 1;

@@ -27,8 +27,6 @@ namespace valdor::formularios {
 
 namespace {
 
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
 // The widths of the list's columns: 3550, 300 and 1000 twips at 15 twips a pixel.
 constexpr int ANCHOEMPRESAS = 237;
 constexpr int ANCHOSEL = 20;

@@ -27,12 +27,6 @@
 
 namespace valdor::formularios {
 
-namespace {
-
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
-}  // namespace
-
 frmMain::frmMain(Programa& programa, Lanzador& lanzador, EntornoWine entorno, FabricaFormularios fabrica,
                  QWidget* padre)
     : QMainWindow(padre),

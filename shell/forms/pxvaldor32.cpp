@@ -27,8 +27,6 @@ namespace valdor::formularios {
 
 namespace {
 
-QString q(std::string_view cp1252) { return aQString(cp1252); }
-
 // A box of `ancho` characters, wide enough to show them all: figures for the numbers
 // of the replaced send, capitals for names and keys.
 QLineEdit* caja(const char* nombre, int ancho, QWidget* padre, QChar muestra = QLatin1Char('M')) {
