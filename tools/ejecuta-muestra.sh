@@ -26,3 +26,7 @@ echo "Fichero de cotización: $fichero"
 # number and its length.
 paste -d'|' <(tr -d '\r' < "$fichero" | LC_ALL=C awk '{ printf "%4d %3d \n", NR, length($0) }') \
              <(iconv -f CP850 -t UTF-8 "$fichero" | tr -d '\r') /dev/null
+echo
+# The editor's checks of the file: every line of 70, every segment of its kind, and the
+# trailer's counts against the file.
+valdor revisar "$fichero"
