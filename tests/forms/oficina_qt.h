@@ -1,16 +1,18 @@
 // Support of the form tests: the sample office in temporary folders, a program run on
-// it with the scripted recorder of messages, and a recorder of the programs started.
+// it with the scripted recorder of messages, a recorder of the programs started, and the
+// main window over them.
 #pragma once
 
-#include <QApplication>
-#include <QString>
-#include <QTimer>
-#include <QWidget>
+#include <QtTest>
+#include <QtWidgets>
 #include <functional>
+#include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "shell/asistente.h"
+#include "shell/forms/frmmain.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/programa.h"
 #include "stores/oficina_muestra.h"
@@ -26,25 +28,14 @@ class LanzadorGrabador : public Lanzador {
   std::vector<std::vector<std::string>> ordenes;
 };
 
-// A recorder that also runs a check while each message box is up.
-class DialogosQueMiran : public DialogosGrabador {
- public:
-  void mensaje(std::string_view titulo, std::string_view texto, Icono icono) override {
-    DialogosGrabador::mensaje(titulo, texto, icono);
-    if (alMensaje) alMensaje();
-  }
-  std::function<void()> alMensaje;
-};
-
+// The sample office of October 2026 in a temporary folder.
 struct Oficina {
-  Oficina() {
-    escribeOficinaMuestra(carpetas, OpcionesMuestra{10, 2026, 0, 0});
-  }
+  Oficina() { escribeOficinaMuestra(carpetas, OpcionesMuestra{10, 2026, 0, 0}); }
   std::filesystem::path ajustes() const { return carpetas.trabajo / "VALDOR.MDB"; }
 
   CarpetaTemporal carpeta;
   Carpetas carpetas{carpeta / "programa", carpeta / "trabajo"};
-  DialogosQueMiran dialogos;
+  DialogosGrabador dialogos;
   LanzadorGrabador lanzador;
   EntornoWine entorno{carpeta / "wine"};
 };
@@ -52,17 +43,54 @@ struct Oficina {
 // Windows-1252 text of the core as the forms show it.
 inline QString q(std::string_view cp1252) { return formularios::aQString(cp1252); }
 
-// Runs `accion` on the next modal window that opens (a dialog shown with exec), once.
-inline void alAbrirModal(std::function<void(QWidget*)> accion) {
-  auto* reloj = new QTimer(qApp);
-  QObject::connect(reloj, &QTimer::timeout, reloj, [reloj, accion = std::move(accion)] {
-    if (QWidget* modal = QApplication::activeModalWidget()) {
-      reloj->stop();
-      reloj->deleteLater();
-      accion(modal);
-    }
-  });
-  reloj->start(20);
+// While it lives, the next modal window to open other than `salvo`: its name and title are
+// kept, `accion` runs on it, and then it is closed if it is still open.
+class AlAbrirModal {
+ public:
+  explicit AlAbrirModal(std::function<void(QWidget*)> accion = {}, QWidget* salvo = nullptr) {
+    QObject::connect(&reloj_, &QTimer::timeout, &reloj_, [this, accion = std::move(accion), salvo] {
+      QPointer<QWidget> modal = QApplication::activeModalWidget();
+      if (!modal || modal == salvo) return;
+      reloj_.stop();
+      nombre = modal->objectName();
+      titulo = modal->windowTitle();
+      if (accion) accion(modal);
+      if (modal && modal->isVisible()) modal->close();
+    });
+    reloj_.start(20);
+  }
+  QString nombre, titulo;
+
+ private:
+  QTimer reloj_;
+};
+
+// The item of a bar with the key `clave`.
+inline QToolButton* elemento(const QWidget* ventana, const QString& clave) {
+  for (QToolButton* b : ventana->findChildren<QToolButton*>())
+    if (b->property("clave").toString() == clave) return b;
+  qFatal("sin elemento %s", qPrintable(clave));
 }
+
+// Runs the test class `P` with the program's arguments.
+template <typename P>
+int ejecuta(int argc, char** argv) {
+  P prueba;
+  return QTest::qExec(&prueba, argc, argv);
+}
+
+// The main window loaded on the sample office and shown.
+struct Escritorio {
+  Escritorio() {
+    p.entornoWine = o.entorno;
+    v.carga();
+    v.show();
+  }
+  void pulsa(const char* clave) { elemento(&v, QString::fromLatin1(clave))->click(); }
+
+  Oficina o;
+  Programa p{o.carpetas, o.dialogos, {}, MOMENTO};
+  formularios::frmMain v{p, o.lanzador, o.entorno};
+};
 
 }  // namespace valdor::pruebas

@@ -1,16 +1,6 @@
 // The company selection COTIZACION on the sample office, and the whole road of a
 // contribution exchange from the main window.
-#include <QCheckBox>
-#include <QComboBox>
-#include <QLabel>
-#include <QPushButton>
-#include <QTableWidget>
-#include <QToolButton>
-#include <QtTest>
-#include <memory>
-
 #include "fan/forms/cotizacion.h"
-#include "shell/forms/frmmain.h"
 #include "shell/forms/pxvaldor32.h"
 #include "stores/literales.h"
 #include "tests/forms/oficina_qt.h"
@@ -26,22 +16,9 @@ namespace {
 const std::string ETI = "ETI" "TC220VIP28" "20731542" "SLC48213" "20261115" "0730" "F1511260" "FAN" "N" " "
                         "00000000000000" "  ";
 
-QToolButton* elemento(QWidget* ventana, const QString& clave) {
-  for (QToolButton* b : ventana->findChildren<QToolButton*>())
-    if (b->property("clave").toString() == clave) return b;
-  return nullptr;
-}
-
-// The lines after the first that begin with `inicio`.
-std::size_t lineas(const std::string& fichero, const std::string& inicio) {
-  std::size_t n = 0;
-  for (auto p = fichero.find("\r\n" + inicio); p != std::string::npos; p = fichero.find("\r\n" + inicio, p + 1)) ++n;
-  return n;
-}
-
 // The form shown by itself, on the page of a contribution.
 struct Seleccion {
-  explicit Seleccion(Momento momento = MOMENTO) : programa(o.carpetas, o.dialogos, {}, momento) {
+  Seleccion() {
     programa.entornoWine = o.entorno;
     programa.arranca();
     pagina.marcaCotizacion();
@@ -63,7 +40,7 @@ struct Seleccion {
   }
 
   Oficina o;
-  Programa programa;
+  Programa programa{o.carpetas, o.dialogos, {}, MOMENTO};
   PaginaIntercambio pagina;
   MotorSinCalculo motor;
   std::unique_ptr<Formulario> f;
@@ -75,44 +52,13 @@ class PruebaCotizacion : public QObject {
   Q_OBJECT
 
  private slots:
-  void lasListasConSusValoresPorDefecto() {
-    Seleccion s;
-    // 15 November 2026: October of the same year; the year with its leading blank.
-    const std::tuple<const char*, int, QString> listas[] = {
-        {"Combo1", 12, QStringLiteral("10")},
-        {"Combo2", 200, QStringLiteral(" 2026")},
-        {"Clase", 21, QStringLiteral("L00.- Normal")},
-        {"Calificador", 9, q("00.- Liquidación cuota total en plazo"_cp)}};
-    for (const auto& [nombre, elementos, elegido] : listas) {
-      QCOMPARE(s.control(nombre)->count(), elementos);
-      QCOMPARE(s.control(nombre)->currentText(), elegido);
-    }
-    QVERIFY(!s.control<QCheckBox>("MarcarTodas")->isEnabled() && !s.control<QCheckBox>("DevEnCta")->isEnabled());
-    const QString cabeceras[] = {QStringLiteral("Empresas"), QStringLiteral("Sel"), {}, {}, {}, QStringLiteral("Tr")};
-    for (int c = 0; c < 6; ++c) {
-      QCOMPARE(s.grid()->horizontalHeaderItem(c)->text(), cabeceras[c]);
-      QCOMPARE(s.grid()->isColumnHidden(c), c >= 2 && c <= 4);
-    }
-
-    // January: December of the year before. The month chosen is the one listed:
-    // September has no payroll.
-    Seleccion enero(Momento{2027, 1, 10, 9, 0, 0});
-    QCOMPARE(enero.control("Combo1")->currentText(), QStringLiteral("12"));
-    QCOMPARE(enero.control("Combo2")->currentText(), QStringLiteral(" 2026"));
-    enero.control("Combo1")->setCurrentIndex(8);
-    enero.verifica();
-    QCOMPARE(enero.grid()->rowCount(), 0);
-  }
-
   void verificarMarcarTodasYCancelar() {
     Seleccion s;
-    // A code that begins with a letter reads 0.
-    Almacenes& a = s.programa.almacenes;
-    a.MESPERIODO = "10";
-    a.ANOPERIODO = "2026";
-    QVERIFY(a.ABREPERIODO());
-    a.periodo.ejecuta("UPDATE NOMIN SET BSSE = 'X' || substr(BSSE, 2) WHERE BNOMBRE LIKE 'Construcciones%'");
-    a.CIERRAPERIODO();
+    // 15 November 2026: October of the same year; nothing to mark before the companies
+    // are listed.
+    QCOMPARE(s.control("Combo1")->currentText(), QStringLiteral("10"));
+    QCOMPARE(s.control("Combo2")->currentText(), QStringLiteral(" 2026"));
+    QVERIFY(!s.control<QCheckBox>("MarcarTodas")->isEnabled() && !s.control<QCheckBox>("DevEnCta")->isEnabled());
 
     s.verifica();
     // Talleres Úbeda has only a row marked "N"; Peñalara counts 5 of its 6 rows.
@@ -129,10 +75,10 @@ class PruebaCotizacion : public QObject {
 
     auto* todas = s.control<QCheckBox>("MarcarTodas");
     todas->click();
-    QCOMPARE(s.marcas(), (std::vector<bool>{true, true, false, true}));
-    // A click marks the letter code all the same; clearing "Marcar todas" leaves it.
-    s.grid()->item(2, Formulario::SEL)->setCheckState(Qt::Checked);
+    QCOMPARE(s.marcas(), (std::vector<bool>{true, true, true, true}));
+    // Clearing "Marcar todas" clears the marks; a click marks one company.
     todas->click();
+    s.grid()->item(2, Formulario::SEL)->setCheckState(Qt::Checked);
     QCOMPARE(s.marcas(), (std::vector<bool>{false, false, true, false}));
     for (int r = 0; r < 4; ++r) QCOMPARE(s.f->seleccion().grid[static_cast<std::size_t>(r)].marcada, r == 2);
     s.control<QCheckBox>("DevEnCta")->click();
@@ -142,48 +88,44 @@ class PruebaCotizacion : public QObject {
     QVERIFY(!s.f->isVisible());
     QCOMPARE(s.programa.g.CANCELADO, 1.0);
     QVERIFY(!s.programa.almacenes.empresas.abierto());
+
+    // The month chosen is the one listed: September has no payroll.
+    Seleccion septiembre;
+    septiembre.control("Combo1")->setCurrentIndex(8);
+    septiembre.verifica();
+    QCOMPARE(septiembre.grid()->rowCount(), 0);
   }
 
   void elCaminoEnteroDesdeLaVentanaPrincipal() {
-    Oficina o;
-    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
-    p.entornoWine = o.entorno;
-    formularios::frmMain v(p, o.lanzador, o.entorno);
-    v.carga();
-    v.show();
-    elemento(&v, QStringLiteral("cotiza"))->click();
-    QString seleccion;
+    Escritorio e;
+    e.pulsa("cotiza");
     bool sigueSinMarcas = false;
-    alAbrirModal([&](QWidget* modal) {
-      seleccion = modal->objectName();
+    AlAbrirModal seleccion([&](QWidget* modal) {
       modal->findChild<QPushButton*>(QStringLiteral("PRESIONBOTON"))->click();
       elemento(modal, QStringLiteral("pro"))->click();
       sigueSinMarcas = modal->isVisible();
       modal->findChild<QCheckBox*>(QStringLiteral("MarcarTodas"))->click();
       elemento(modal, QStringLiteral("pro"))->click();
     });
-    v.asistente()->findChild<QPushButton*>(QStringLiteral("Command3"))->click();
+    e.v.asistente()->findChild<QPushButton*>(QStringLiteral("Command3"))->click();
 
-    QCOMPARE(seleccion, QStringLiteral("COTIZACION"));
+    QCOMPARE(seleccion.nombre, QStringLiteral("COTIZACION"));
     // "Procesar" with nothing marked says so, and the form stays.
     QVERIFY(sigueSinMarcas);
-    QCOMPARE(o.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(o.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
-    QCOMPARE(o.dialogos.mensajes[0].texto,
+    QCOMPARE(e.o.dialogos.mensajes.size(), std::size_t{1});
+    QCOMPARE(e.o.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
+    QCOMPARE(e.o.dialogos.mensajes[0].texto,
              std::string("Para iniciar el proceso del fichero debe seleccionar al menos una empresa."));
-    QCOMPARE(o.dialogos.preguntas.size(), std::size_t{1});
-    QCOMPARE(o.dialogos.preguntas[0].texto, std::string(preguntaEditarFan()));
-    QCOMPARE(o.lanzador.ordenes.size(), std::size_t{1});
-    const std::string bytes = leeBytes(o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/FAN/F1511260.FAN");
-    QCOMPARE(bytes.substr(0, 72), ETI + "\r\n");
-    QCOMPARE(lineas(bytes, "EMP"), std::size_t{4});
+    QCOMPARE(e.o.dialogos.preguntas.size(), std::size_t{1});
+    QCOMPARE(e.o.dialogos.preguntas[0].texto, std::string(preguntaEditarFan()));
+    QCOMPARE(e.o.lanzador.ordenes.size(), std::size_t{1});
+    const auto lineas = registros(e.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/FAN/F1511260.FAN");
+    QCOMPARE(lineas.front(), ETI);
+    QCOMPARE(std::count_if(lineas.begin(), lineas.end(), [](const std::string& l) { return l.starts_with("EMP"); }), 4);
   }
 };
 
-int ejecutaPruebaCotizacion(int argc, char** argv) {
-  PruebaCotizacion prueba;
-  return QTest::qExec(&prueba, argc, argv);
-}
+int ejecutaPruebaCotizacion(int argc, char** argv) { return ejecuta<PruebaCotizacion>(argc, argv); }
 
 }  // namespace valdor::pruebas
 

@@ -2,15 +2,6 @@
 // temporary Wine drive: the load with the rows the size suggests, the edit of a line and
 // what it refuses, the search, the save without blank lines, the print order, and the
 // road from the selector's tree and from the wizard to the editor.
-#include <QLabel>
-#include <QLineEdit>
-#include <QTableWidget>
-#include <QTimer>
-#include <QToolButton>
-#include <QTreeWidget>
-#include <QtTest>
-#include <memory>
-
 #include "browser/forms/editor.h"
 #include "browser/forms/selector.h"
 #include "shell/ajustes.h"
@@ -49,13 +40,15 @@ struct Banco {
     p.entornoWine = EntornoWine{carpeta / "wine"};
   }
 
-  void abre(const std::string& nombre) {
-    p.g.FICHEROSALIDA = "C:\\WINSUITE\\VIPTC2\\FAN\\" + nombre;
-    p.g.FICHEROEDITADO = p.g.FICHEROSALIDA;
+  // The editor on F2211260.FAN, written with `lineas` unless none are given.
+  void abre(const std::vector<std::string>& lineas = {}) {
+    if (!lineas.empty()) escribeBytes(fan / "F2211260.FAN", fichero(lineas));
+    p.g.FICHEROSALIDA = p.g.FICHEROEDITADO = "C:\\WINSUITE\\VIPTC2\\FAN\\F2211260.FAN";
     f = std::make_unique<EDITOR>(p, lanzador);
     f->show();
     QCoreApplication::processEvents();
   }
+  std::string guardado() const { return leeBytes(fan / "F2211260.FAN"); }
   QTableWidget* rejilla() const { return f->findChild<QTableWidget*>(QStringLiteral("REJILLA")); }
   QString celda(int fila, int columna) const {
     const QTableWidgetItem* c = rejilla()->item(fila, columna);
@@ -63,9 +56,7 @@ struct Banco {
   }
   QStringList fila(int f) const { return {celda(f, 0), celda(f, 1), celda(f, 2), celda(f, 3)}; }
   QString etiqueta(const char* nombre) const { return f->findChild<QLabel*>(QString::fromLatin1(nombre))->text(); }
-  void pulsa(const char* clave) {
-    f->findChild<QToolButton*>(QStringLiteral("SSListBar1_") + QString::fromLatin1(clave))->click();
-  }
+  void pulsa(const char* clave) { elemento(f.get(), QString::fromLatin1(clave))->click(); }
 
   // The editor of a line as the user opens it; only one is open at a time.
   QLineEdit* abreEdicion(int fila) {
@@ -93,11 +84,19 @@ struct Banco {
   std::unique_ptr<EDITOR> f;
 };
 
-void guardaRuta(const Banco& b, const std::string& ruta) {
-  REGINTERCAMBIO r = registroEnBlanco();
-  r.RUTAWINSUITE = ruta;
-  FicheroAjustes(b.carpetas.trabajo).escribe(r);
-}
+// The editor that opens while this lives: its grid's rows and second line.
+struct EditorAbierto : AlAbrirModal {
+  explicit EditorAbierto(QWidget* salvo = nullptr)
+      : AlAbrirModal(
+            [this](QWidget* m) {
+              const auto* r = m->findChild<QTableWidget*>(QStringLiteral("REJILLA"));
+              filas = r->rowCount();
+              if (r->item(1, EDITOR::LINEA)) segunda = r->item(1, EDITOR::LINEA)->text();
+            },
+            salvo) {}
+  int filas = -1;
+  QString segunda;
+};
 
 }  // namespace
 
@@ -107,76 +106,69 @@ class PruebaEditorFicheros : public QObject {
  private slots:
   void cargaCadaLineaTalCualConSuLongitudYSuRevision() {
     Banco b;
-    // 72 + 73 + 72 = 217 bytes: 3.1 rows, so 3; one more for an affiliation file.
-    escribeBytes(b.fan / "F2211260.FAN", fichero({ETI, TRA + "Y", EMP}));
-    b.abre("F2211260.FAN");
-    QCOMPARE(b.f->windowTitle(), QStringLiteral("Edición del Fichero C:\\WINSUITE\\VIPTC2\\FAN\\F2211260.FAN"));
-    QCOMPARE(b.rejilla()->rowCount(), 3);
+    // 72 + 73 + 72 = 217 bytes: 3 rows, and one more, empty, for an affiliation file.
+    b.p.g.EDITAAFI = 1;
+    b.abre({ETI, TRA + "Y", EMP});
+    QCOMPARE(b.rejilla()->rowCount(), 4);
     QCOMPARE(b.fila(0), (QStringList{"1", q(ETI), "70", ""}));
     QCOMPARE(b.fila(1), (QStringList{"2", q(TRA + "Y"), "71", "longitud 71"}));
-    QCOMPARE(b.fila(2), (QStringList{"3", q(EMP), "70", ""}));
-    QVERIFY(b.rejilla()->item(0, 0)->textAlignment() & Qt::AlignRight);
-    // Only the marked row is tinted.
+    QCOMPARE(b.fila(3), (QStringList{"", "", "", ""}));
+    // Only the marked row is tinted; only the line is edited.
     QCOMPARE(b.rejilla()->item(0, EDITOR::REVISION)->background().style(), Qt::NoBrush);
     QVERIFY(b.rejilla()->item(1, EDITOR::REVISION)->background().style() != Qt::NoBrush);
-    // Only the line is edited.
     for (int c = 0; c < EDITOR::COLUMNAS; ++c)
       QCOMPARE(bool(b.rejilla()->item(1, c)->flags() & Qt::ItemIsEditable), c == EDITOR::LINEA);
     QCOMPARE(b.etiqueta("cierre"), q("No hay línea de cierre ETF con sus cuentas de empresas y de líneas."_cp));
     QCOMPARE(b.etiqueta("observaciones"), QStringLiteral("1 línea con observaciones (columna Revisión)."));
 
+    // "Cancelar" closes, and the affiliation flag goes with the editor.
     b.pulsa("can");
     QVERIFY(!b.f->isVisible());
     QCOMPARE(b.f->result(), int(QDialog::Rejected));
-
-    // An affiliation file gets a row more, empty, and the flag is cleared on the close.
-    b.p.g.EDITAAFI = 1;
-    b.abre("F2211260.FAN");
-    QCOMPARE(b.rejilla()->rowCount(), 4);
-    QCOMPARE(b.fila(3), (QStringList{"", "", "", ""}));
-    QCOMPARE(b.p.g.EDITAAFI, 1.0);
-    QTest::keyClick(b.f.get(), Qt::Key_Escape);
-    QVERIFY(!b.f->isVisible());
     QCOMPARE(b.p.g.EDITAAFI, 0.0);
+
+    // The wizard's editor opens on the file just written, named by FICHEROSALIDA.
+    b.p.g.EDITAAFI = 1;
+    PaginaIntercambio pagina;
+    formularios::FormulariosQt formularios(b.p, pagina, nullptr);
+    EditorAbierto editor;
+    formularios.EDITOR();
+    QCOMPARE(editor.filas, 4);
+    QCOMPARE(editor.segunda, q(TRA + "Y"));
+    QCOMPARE(b.p.g.EDITAAFI, 0.0);
+    QVERIFY(b.dialogos.mensajes.empty());
   }
 
   void unFicheroQueNoSeGeneroDejaLaRejillaVacia() {
     Banco b;
     b.p.g.FICHEROSALIDA = "   ";
     EDITOR f(b.p, b.lanzador);
-    QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(b.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
-    QCOMPARE(b.dialogos.mensajes[0].texto, std::string("El fichero no se generó. El proceso ha sido abortado."_cp));
-    QCOMPARE(b.dialogos.mensajes[0].icono, Icono::Critico);
     QCOMPARE(f.findChild<QTableWidget*>(QStringLiteral("REJILLA"))->rowCount(), 0);
     // Nothing to save or to print.
     f.pulsaBarraLista(QStringLiteral("guar"));
     f.pulsaBarraLista(QStringLiteral("IMPRI"));
     QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
+    QCOMPARE(b.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
+    QCOMPARE(b.dialogos.mensajes[0].texto, std::string("El fichero no se generó. El proceso ha sido abortado."_cp));
+    QCOMPARE(b.dialogos.mensajes[0].icono, Icono::Critico);
     QVERIFY(b.lanzador.ordenes.empty());
   }
 
   void laEdicionCuentaDeNuevoYRehusaLoQueNoCabeEnElFichero() {
     Banco b;
     // ETI, one company (EMP, RZS), one worker and the trailer: 1 company, 5 lines.
-    escribeBytes(b.fan / "F2211260.FAN", fichero({ETI, EMP, RZS, TRA, cierre("0000100000005")}));
-    b.abre("F2211260.FAN");
-    QCOMPARE(b.rejilla()->rowCount(), 5);  // 360 bytes: 5.14 rows
+    b.abre({ETI, EMP, RZS, TRA, cierre("0000100000005")});
     QCOMPARE(b.etiqueta("cierre"), QStringLiteral("Cierre ETF: 1 empresa, 5 líneas: cuadran con el fichero."));
     QCOMPARE(b.etiqueta("observaciones"), QStringLiteral("Ninguna línea con observaciones."));
 
-    b.edita(3, "TRA" + QString(60, QLatin1Char('Z')));
-    QCOMPARE(b.fila(3), (QStringList{"4", "TRA" + QString(60, QLatin1Char('Z')), "63", "longitud 63"}));
-    QCOMPARE(b.etiqueta("observaciones"), QStringLiteral("1 línea con observaciones (columna Revisión)."));
-
-    // Typing stops at 70 characters.
+    // Typing stops at 70 characters; seventy W are no segment, and the line is marked.
     QLineEdit* e = b.abreEdicion(3);
     QVERIFY(e);
     e->selectAll();
     QTest::keyClicks(e, QString(75, QLatin1Char('W')));
     QCOMPARE(e->text().size(), 70);
     b.termina(e);
-    QCOMPARE(b.fila(3), (QStringList{"4", QString(70, QLatin1Char('W')), "70", "segmento WWW"}));
+    QCOMPARE(b.etiqueta("observaciones"), QStringLiteral("1 línea con observaciones (columna Revisión)."));
 
     // A Greek omega (U+03C9, the 4th character) has no byte in the file: the line stays.
     b.edita(3, QStringLiteral("TRA\u03C9"));
@@ -187,8 +179,6 @@ class PruebaEditorFicheros : public QObject {
     QVERIFY(b.dialogos.mensajes[0].texto.find("número 4 "_cp) != std::string::npos);
     // The euro sign has one: 0x80.
     b.edita(1, QStringLiteral("EMP\u20AC") + QString(66, QLatin1Char('0')));
-    QCOMPARE(b.celda(1, 2), QStringLiteral("70"));
-    QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
 
     // A line emptied: no length, and the trailer now counts one line too many.
     b.edita(2, QString());
@@ -197,18 +187,17 @@ class PruebaEditorFicheros : public QObject {
              QStringLiteral("Cierre ETF: 1 empresa, 5 líneas. No cuadran: el fichero tiene 4 líneas."));
 
     // The save drops the emptied line, and takes the line still being typed; the rows
-    // keep their numbers on the screen.
+    // keep their numbers on the screen, and success says nothing.
     QLineEdit* abierta = b.abreEdicion(0);
     QVERIFY(abierta);
     abierta->setText(q("ETI a medio escribir"_cp));
     b.pulsa("guar");
-    QCOMPARE(leeBytes(b.fan / "F2211260.FAN"),
-             fichero({"ETI a medio escribir", "EMP\x80" + std::string(66, '0'), std::string(70, 'W'),
-                      cierre("0000100000005")}));
+    QCOMPARE(b.guardado(), fichero({"ETI a medio escribir", "EMP\x80" + std::string(66, '0'), std::string(70, 'W'),
+                                    cierre("0000100000005")}));
     QCOMPARE(b.fila(0), (QStringList{"1", "ETI a medio escribir", "20", "longitud 20"}));
-    QCOMPARE(b.rejilla()->rowCount(), 5);
+    QCOMPARE(b.rejilla()->rowCount(), 5);  // 360 bytes
     QCOMPARE(b.celda(3, 0), QStringLiteral("4"));
-    QVERIFY(b.dialogos.mensajes.size() == 1);  // no message on success
+    QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
     QVERIFY(b.f->isVisible());
 
     // A folder that went away: the failure is told, critically.
@@ -222,22 +211,11 @@ class PruebaEditorFicheros : public QObject {
 
   void buscarSubeLaPrimeraLineaConElTextoArriba() {
     Banco b;
-    // ETI, nine companies, a worker at row 10 and another at row 20, the trailer at row 59:
-    // 60 lines, 4320 bytes, 61.7 rows, so 62: the last two rows stay empty.
-    std::vector<std::string> lineas{ETI};
-    for (int i = 0; i < 9; ++i) lineas.push_back(EMP);
-    lineas.push_back("TRA" + std::string(67, '1'));
-    while (lineas.size() < 20) lineas.push_back("AYN" + std::string(67, ' '));
-    lineas.push_back("TRA" + std::string(67, '2'));
-    while (lineas.size() < 59) lineas.push_back("AYN" + std::string(67, ' '));
-    lineas.push_back(cierre("0000900000060"));
-    escribeBytes(b.fan / "F2211260.FAN", fichero(lineas));
-    b.abre("F2211260.FAN");
-    QCOMPARE(b.rejilla()->rowCount(), 62);
-    QCOMPARE(b.fila(59)[0], QStringLiteral("60"));
-    QCOMPARE(b.fila(60), (QStringList{"", "", "", ""}));
-    QCOMPARE(b.fila(61), (QStringList{"", "", "", ""}));
-    QCOMPARE(b.etiqueta("cierre"), QStringLiteral("Cierre ETF: 9 empresas, 60 líneas: cuadran con el fichero."));
+    // Sixty lines, workers at rows 10 and 20: enough to scroll.
+    std::vector<std::string> lineas(60, "AYN" + std::string(67, ' '));
+    lineas[10] = "TRA" + std::string(67, '1');
+    lineas[20] = "TRA" + std::string(67, '2');
+    b.abre(lineas);
     QCOMPARE(b.rejilla()->rowAt(0), 0);
 
     b.dialogos.entradas = {std::string("tra")};
@@ -267,9 +245,8 @@ class PruebaEditorFicheros : public QObject {
 
   void imprimirEntregaElFicheroYCancelarNoGuarda() {
     Banco b;
-    const std::string bytes = fichero({ETI, EMP});
-    escribeBytes(b.fan / "F2211260.FAN", bytes);
-    b.abre("F2211260.FAN");
+    b.abre({ETI, EMP});
+    const std::string bytes = b.guardado();
     b.pulsa("IMPRI");
     QCOMPARE(b.lanzador.ordenes,
              (std::vector<std::vector<std::string>>{{"xdg-open", (b.fan / "F2211260.FAN").string()}}));
@@ -278,11 +255,11 @@ class PruebaEditorFicheros : public QObject {
     b.edita(1, QString());
     b.pulsa("can");
     QVERIFY(!b.f->isVisible());
-    QCOMPARE(leeBytes(b.fan / "F2211260.FAN"), bytes);
+    QCOMPARE(b.guardado(), bytes);
 
     // A form destroyed in the middle of an edit: the edit ends as the window loses its
     // focus, without reaching back into the form, and nothing is saved.
-    b.abre("F2211260.FAN");
+    b.abre();
     b.f->activateWindow();
     QVERIFY(QTest::qWaitForWindowActive(b.f.get()));
     QLineEdit* abierta = b.abreEdicion(0);
@@ -293,7 +270,7 @@ class PruebaEditorFicheros : public QObject {
     b.f.reset();
     QCoreApplication::processEvents();
     QVERIFY(b.dialogos.mensajes.empty());
-    QCOMPARE(leeBytes(b.fan / "F2211260.FAN"), bytes);
+    QCOMPARE(b.guardado(), bytes);
   }
 
   void elSelectorMuestraLasCarpetasYAbreElEditorSoloSobreUnFichero() {
@@ -305,7 +282,9 @@ class PruebaEditorFicheros : public QObject {
     escribeBytes(b.fan / "NOTAS.TXT", "x");
     escribeBytes(viptc2 / "AFI/F2211260.AFI", fichero({ETI}));
     // The route comes from the settings file, not from what the program read at its start.
-    guardaRuta(b, "C:\\WINSUITE\\Winsuite.exe");
+    REGINTERCAMBIO ajustes = registroEnBlanco();
+    ajustes.RUTAWINSUITE = "C:\\WINSUITE\\Winsuite.exe";
+    FicheroAjustes(b.carpetas.trabajo).escribe(ajustes);
     b.p.registro.RUTAWINSUITE = "C:\\OTRA\\Winsuite.exe";
     b.p.g.FICHEROEDITADO = "ANTES";
 
@@ -316,108 +295,40 @@ class PruebaEditorFicheros : public QObject {
     QCOMPARE(b.dialogos.punteros, std::vector<Puntero>{Puntero::Normal});
     auto* arbol = s.findChild<QTreeWidget*>(QStringLiteral("TreeView1"));
     QCOMPARE(arbol->topLevelItemCount(), 4);
-    const QString ramas[] = {q("Cotización (FAN)"_cp), q("Afiliación (AFI)"_cp), QStringLiteral("Procesados (ANT)"),
-                             QStringLiteral("Huellas (HLL)")};
     const int hijos[] = {2, 1, 0, 0};
     for (int i = 0; i < 4; ++i) {
-      QCOMPARE(arbol->topLevelItem(i)->text(0), ramas[i]);
       QCOMPARE(arbol->topLevelItem(i)->childCount(), hijos[i]);
       QVERIFY(arbol->topLevelItem(i)->isExpanded());
     }
-    QTreeWidgetItem* cotizacion = arbol->topLevelItem(0);
-    QCOMPARE(cotizacion->child(0)->text(0), QStringLiteral("C:\\WINSUITE\\VIPTC2\\FAN\\a1511260.fan"));
-    QCOMPARE(cotizacion->child(1)->text(0), QStringLiteral("C:\\WINSUITE\\VIPTC2\\FAN\\B2211260.FAN"));
-    QCOMPARE(arbol->topLevelItem(1)->child(0)->text(0), QStringLiteral("C:\\WINSUITE\\VIPTC2\\AFI\\F2211260.AFI"));
 
+    QTreeWidgetItem* cotizacion = arbol->topLevelItem(0);
     auto pulsa = [arbol](QTreeWidgetItem* nodo) {
       QTest::mouseClick(arbol->viewport(), Qt::LeftButton, {}, arbol->visualItemRect(nodo).center());
     };
-    // A branch title opens nothing: a window that opened anyway is counted and closed.
-    int otrasVentanas = 0;
-    QTimer vigia;
-    connect(&vigia, &QTimer::timeout, &s, [&] {
-      if (QWidget* modal = QApplication::activeModalWidget(); modal && modal != &s) {
-        ++otrasVentanas;
-        modal->close();
-      }
-    });
-    vigia.start(20);
-    pulsa(cotizacion);
-    vigia.stop();
-    QCOMPARE(otrasVentanas, 0);
-    QCOMPARE(b.p.g.FICHEROSALIDA, std::string("Cotización (FAN)"_cp));
+    // A branch title opens nothing.
+    {
+      AlAbrirModal ninguno({}, &s);
+      pulsa(cotizacion);
+      QCOMPARE(ninguno.nombre, QString());
+    }
     QCOMPARE(b.p.g.FICHEROEDITADO, std::string("ANTES"));
 
-    // A file opens the editor on itself.
-    QString abierto, titulo;
-    int filas = -1;
-    alAbrirModal([&](QWidget* modal) {
-      abierto = modal->objectName();
-      titulo = modal->windowTitle();
-      filas = modal->findChild<QTableWidget*>(QStringLiteral("REJILLA"))->rowCount();
-      modal->close();
-    });
-    pulsa(cotizacion->child(0));
-    QCOMPARE(abierto, QStringLiteral("EDITOR"));
-    QCOMPARE(titulo, QStringLiteral("Edición del Fichero C:\\WINSUITE\\VIPTC2\\FAN\\a1511260.fan"));
-    QCOMPARE(filas, 3);  // 216 bytes
-    QCOMPARE(b.p.g.FICHEROEDITADO, std::string("C:\\WINSUITE\\VIPTC2\\FAN\\a1511260.fan"));
-    QCOMPARE(b.p.g.FICHEROSALIDA, b.p.g.FICHEROEDITADO);
-
-    // Enter on a file opens it as the click does.
-    abierto.clear();
-    alAbrirModal([&](QWidget* modal) {
-      abierto = modal->objectName();
-      filas = modal->findChild<QTableWidget*>(QStringLiteral("REJILLA"))->rowCount();
-      modal->close();
-    });
+    // A file opens the editor on itself, by a click or by Enter.
+    {
+      EditorAbierto editor(&s);
+      pulsa(cotizacion->child(0));
+      QCOMPARE(editor.titulo, QStringLiteral("Edición del Fichero C:\\WINSUITE\\VIPTC2\\FAN\\a1511260.fan"));
+      QCOMPARE(editor.filas, 3);  // 216 bytes
+    }
+    EditorAbierto editor(&s);
     arbol->setCurrentItem(arbol->topLevelItem(1)->child(0));
     QTest::keyClick(arbol, Qt::Key_Return);
-    QCOMPARE(abierto, QStringLiteral("EDITOR"));
-    QCOMPARE(filas, 1);  // 72 bytes
+    QCOMPARE(editor.filas, 1);  // 72 bytes
     QCOMPARE(b.p.g.FICHEROEDITADO, std::string("C:\\WINSUITE\\VIPTC2\\AFI\\F2211260.AFI"));
-  }
-
-  void conLaRutaEscritaDeOtroModoLasCuatroRamasQuedanVacias() {
-    Banco b;
-    escribeBytes(b.fan / "B2211260.FAN", fichero({ETI, EMP}));
-    guardaRuta(b, "C:\\WINSUITE\\WINSUITE.EXE");
-    formularios::selector s(b.p, b.lanzador);
-    QCOMPARE(s.windowTitle(), QStringLiteral("Editar ficheros en C:\\WINSUITE\\WINSUITE.EXE"));
-    auto* arbol = s.findChild<QTreeWidget*>(QStringLiteral("TreeView1"));
-    QCOMPARE(arbol->topLevelItemCount(), 4);
-    for (int i = 0; i < 4; ++i) QCOMPARE(arbol->topLevelItem(i)->childCount(), 0);
-  }
-
-  void elAsistenteAbreElEditorSobreElFicheroQueEscribio() {
-    Banco b;
-    escribeBytes(b.fan / "F2211260.FAN", fichero({ETI, TRA + "Y", EMP}));
-    b.p.g.FICHEROSALIDA = "C:\\WINSUITE\\VIPTC2\\FAN\\F2211260.FAN";
-    b.p.g.EDITAAFI = 1;
-    PaginaIntercambio pagina;
-    formularios::FormulariosQt formularios(b.p, pagina, nullptr);
-    QString abierto, linea;
-    int filas = -1;
-    alAbrirModal([&](QWidget* modal) {
-      abierto = modal->objectName();
-      auto* rejilla = modal->findChild<QTableWidget*>(QStringLiteral("REJILLA"));
-      filas = rejilla->rowCount();
-      linea = rejilla->item(1, 1)->text();
-      modal->close();
-    });
-    formularios.EDITOR();
-    QCOMPARE(abierto, QStringLiteral("EDITOR"));
-    QCOMPARE(filas, 4);  // 217 bytes: 3 rows, and one for the affiliation flag
-    QCOMPARE(linea, q(TRA + "Y"));
-    QCOMPARE(b.p.g.EDITAAFI, 0.0);
-    QVERIFY(b.dialogos.mensajes.empty());
   }
 };
 
-int ejecutaPruebaEditorFicheros(int argc, char** argv) {
-  PruebaEditorFicheros prueba;
-  return QTest::qExec(&prueba, argc, argv);
-}
+int ejecutaPruebaEditorFicheros(int argc, char** argv) { return ejecuta<PruebaEditorFicheros>(argc, argv); }
 
 }  // namespace valdor::pruebas
 
