@@ -69,7 +69,6 @@ TEST(LineasAfi, LasSeisLineasDelTrabajadorColumnaAColumna) {
   EXPECT_EQ(l[4], "FAB" " AL" "01" "20261001" "07" "001" "401" "10" "500" "000" "S" "030" "00" "00" "20261015"
                   "2000000N" "S05" "20261003AB ");
   EXPECT_EQ(l[5], "DAM" "20261001" "N" "0012" "000281234567" "03" + std::string(40, ' '));
-  for (const auto& linea : l) EXPECT_EQ(linea.size(), 70u) << linea;
 }
 
 TEST(LineasAfi, LaBajaLosNombresRarosYLosCamposQueNoCaben) {
@@ -214,7 +213,6 @@ TEST(Afiliacion, SinPendientesNoSeGeneraYSalirSoloBorraConUnSi) {
   AFILIA afi;
   cargaAFILIA(m.programa, m.pagina, afi);
   EXPECT_FALSE(afi.generarActivo);
-  EXPECT_EQ(afi.GRID1.size(), 51u);
 
   Modulo n;
   n.empresa("28000000001", "B1");

@@ -1,14 +1,13 @@
 // The settings file VALDOR.MDB, the sender's name and the configuration grid.
 #include <fcntl.h>
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
 #include <fstream>
-#include <iterator>
 #include <vector>
 
 #include "shell/ajustes.h"
+#include "tests/apoyo.h"
 
 namespace valdor {
 namespace {
@@ -30,24 +29,15 @@ std::string mensaje(FicheroAjustes& f) try {
 
 class Ajustes : public ::testing::Test {
  protected:
-  void SetUp() override {
-    static int n = 0;
-    dir = fs::temp_directory_path() / ("prueba_ajustes_" + std::to_string(::getpid()) + "_" +
-                                       std::to_string(n++));
-    fs::create_directories(dir);
-  }
-  void TearDown() override { fs::remove_all(dir); }
-  std::string bytes(const std::string& nombre) {
-    std::ifstream f(dir / nombre, std::ios::binary);
-    return {std::istreambuf_iterator<char>(f), {}};
-  }
+  std::string bytes(const std::string& nombre) { return pruebas::leeBytes(dir / nombre); }
   REGINTERCAMBIO guarda(const std::string& clave, const std::string& ruta) {
     FicheroAjustes f(dir);
     auto fila = [](std::string v) { return FilaConfiguracion{"", std::move(v), 0, ""}; };
     return guardaConfiguracion(
         f, {fila("no"), fila(clave), fila("ABC"), fila("01/02/2024"), fila(ruta)});
   }
-  fs::path dir;
+  pruebas::CarpetaTemporal carpeta;
+  fs::path dir = carpeta.ruta();
 };
 
 TEST_F(Ajustes, CarpetaNuevaDaFicheroVacioYLosRellenosDeCadaLector) {
@@ -114,7 +104,7 @@ TEST_F(Ajustes, CerrojoAjenoHaceEsperarYRendirseSinTocarNada) {
   EXPECT_EQ(r.CLAVEAUTORIZA, "123     ");
 }
 
-TEST(AjustesClaves, CadaLineaEnsanchaLasClavesASuManera) {
+TEST(AjustesClaves, CadaLineaEnsanchaLasClavesYLaFechaSigueSuMascara) {
   EXPECT_EQ(claveAutorizaParaETI("123     "), "00000123");
   EXPECT_EQ(claveAutorizaParaETI("123456789"), "123456789");
   EXPECT_EQ(claveSilconParaETI(" ABC    "), "ABC");
@@ -143,9 +133,8 @@ TEST_F(Ajustes, CarpetaInexistenteODiscoLlenoDanUnErrorQueNombraElFichero) {
   fs::create_symlink("/dev/full", dir / "VALDOR.MDB");
   FicheroAjustes lleno(dir);
   EXPECT_EQ(mensaje(lleno).rfind("No queda espacio en el disco", 0), 0u);
-}
 
-TEST(AjustesMascara, FechaDeDigitosOBlancosConBarrasEn3Y6) {
+  // A date of digits or blanks with its bars at 3 and 6.
   for (auto si : {"", "01/02/2024", "  /  /    ", "01/0"}) EXPECT_TRUE(encajaMascaraFecha(si));
   for (auto no : {"01-02-2024", "01/02/20245", "0a/0", "1/02/2024"})
     EXPECT_FALSE(encajaMascaraFecha(no));

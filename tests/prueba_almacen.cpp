@@ -32,6 +32,33 @@ void anade(Tabla& t, const std::string& codigo, const std::string& nombre, doubl
   t.actualiza();
 }
 
+// A fresh store with PERSONAS, open, and a cursor on the table.
+struct Personas {
+  Personas() {
+    creado = Almacen::crea(ruta, tablas);
+    a.abre(ruta);
+    t.abre(a, "PERSONAS");
+  }
+  const std::array<DefTabla, 1> tablas{PERSONAS};
+  CarpetaTemporal c;
+  std::filesystem::path ruta = c / "P.MDB";
+  bool creado = false;
+  Almacen a;
+  Tabla t;
+};
+
+// The kind of store error `f` throws; none when it throws nothing.
+template <typename F>
+std::optional<ErrorAlmacen::Tipo> errorDe(F f, std::string* mensaje = nullptr) {
+  try {
+    f();
+  } catch (const ErrorAlmacen& e) {
+    if (mensaje) *mensaje = e.what();
+    return e.tipo();
+  }
+  return std::nullopt;
+}
+
 // A raw connection of another user of the same file, which knows the collation as
 // any client that loads the project's extension does.
 struct OtraConexion {
@@ -54,39 +81,22 @@ struct OtraConexion {
 };
 
 TEST(Almacen, SeCreaSoloCuandoFaltaYNuncaTocaUnFicheroQueExiste) {
-  CarpetaTemporal c;
-  const auto ruta = c / "PRUEBA.MDB";
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  EXPECT_TRUE(Almacen::crea(ruta, tablas));
+  Personas p;
+  EXPECT_TRUE(p.creado);
+  anade(p.t, "00001", "UNO");
+  p.t.cierra();
+  p.a.cierra();
+  p.a.cierra();  // twice is harmless
 
-  Almacen a;
-  a.abre(ruta);
-  Tabla t;
-  t.abre(a, "PERSONAS");
-  ASSERT_EQ(t.columnas().size(), 4u);
-  EXPECT_EQ(t.columnas()[0].nombre, "CODIGO");
-  EXPECT_EQ(t.columnas()[0].ancho, 5);
-  EXPECT_EQ(t.columnas()[2].tipo, TipoColumna::Doble);
-  EXPECT_EQ(t.columnas()[3].tipo, TipoColumna::Fecha);
-  anade(t, "00001", "UNO");
-  t.cierra();
-  a.cierra();
-  a.cierra();  // twice is harmless
-
-  const std::string antes = leeBytes(ruta);
-  EXPECT_FALSE(Almacen::crea(ruta, tablas));
-  EXPECT_EQ(leeBytes(ruta), antes);
+  const std::string antes = leeBytes(p.ruta);
+  EXPECT_FALSE(Almacen::crea(p.ruta, p.tablas));
+  EXPECT_EQ(leeBytes(p.ruta), antes);
 
   // A folder that does not exist is a clear failure, not a crash.
-  try {
-    Almacen::crea(c / "no" / "X.MDB", tablas);
-    FAIL();
-  } catch (const ErrorAlmacen& e) {
-    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::NoExiste);
-  }
+  EXPECT_EQ(errorDe([&] { Almacen::crea(p.c / "no" / "X.MDB", p.tablas); }), ErrorAlmacen::Tipo::NoExiste);
 }
 
-TEST(Almacen, UnFicheroQueNoEsUnaBaseDeDatosSeInformaPorSuNombreYSeDejaIgual) {
+TEST(Almacen, UnFicheroRotoSeNombraYSeDejaIgualYUnoBloqueadoSeInformaComoBloqueo) {
   CarpetaTemporal c;
   const auto ruta = c / "ROTO.MDB";
   std::string basura(3000, '\0');
@@ -94,56 +104,34 @@ TEST(Almacen, UnFicheroQueNoEsUnaBaseDeDatosSeInformaPorSuNombreYSeDejaIgual) {
   escribeBytes(ruta, basura);
 
   Almacen a;
-  try {
-    a.abre(ruta);
-    FAIL() << "se abri\xF3 un fichero roto";
-  } catch (const ErrorAlmacen& e) {
-    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Danado);
-    EXPECT_NE(std::string(e.what()).find("ROTO.MDB"), std::string::npos);
-  }
+  std::string mensaje;
+  EXPECT_EQ(errorDe([&] { a.abre(ruta); }, &mensaje), ErrorAlmacen::Tipo::Danado);
+  EXPECT_NE(mensaje.find("ROTO.MDB"), std::string::npos);
   EXPECT_FALSE(a.abierto());
   const std::array<DefTabla, 1> tablas{PERSONAS};
   EXPECT_FALSE(Almacen::crea(ruta, tablas));
   EXPECT_EQ(leeBytes(ruta), basura);
-}
 
-TEST(Almacen, UnAlmacenBloqueadoPorOtroUsuarioSeInformaComoBloqueo) {
-  CarpetaTemporal c;
-  const auto ruta = c / "BLOQUEADO.MDB";
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(ruta, tablas);
-  OtraConexion otro(ruta);
+  const auto bloqueado = c / "BLOQUEADO.MDB";
+  Almacen::crea(bloqueado, tablas);
+  OtraConexion otro(bloqueado);
   ASSERT_EQ(otro.ejecuta("BEGIN EXCLUSIVE"), SQLITE_OK);
-  Almacen a;
-  try {
-    a.abre(ruta, OpcionesAlmacen{std::chrono::milliseconds(50)});
-    FAIL();
-  } catch (const ErrorAlmacen& e) {
-    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Bloqueo);
-  }
+  EXPECT_EQ(errorDe([&] { a.abre(bloqueado, OpcionesAlmacen{std::chrono::milliseconds(50)}); }),
+            ErrorAlmacen::Tipo::Bloqueo);
   otro.ejecuta("ROLLBACK");
-  EXPECT_NO_THROW(a.abre(ruta));
+  EXPECT_NO_THROW(a.abre(bloqueado));
 }
 
 TEST(Almacen, LasClavesSiguenElOrdenEspanolCiegoAMayusculasYAcentos) {
-  EXPECT_LT(comparaEspanol("CUESTA", "CHAVEZ"), 0);  // CH after C
-  EXPECT_LT(comparaEspanol("CHAVEZ", "DAVILA"), 0);
-  EXPECT_LT(comparaEspanol("LUNA", "LLORENTE"), 0);   // LL after L
-  EXPECT_LT(comparaEspanol("NUEZ", "\xC3\x91" "ANDU"), 0);  // Ñ after N
-  EXPECT_LT(comparaEspanol("\xC3\x91" "ANDU", "OCA"), 0);
   EXPECT_EQ(comparaEspanol("P\xC3\xA9rez", "PEREZ"), 0);
   EXPECT_EQ(comparaEspanol("abc  ", "ABC"), 0);       // trailing blanks do not count
   EXPECT_LT(comparaEspanol("A B", "A1"), 0);          // blanks before digits
   EXPECT_LT(comparaEspanol("9", "A"), 0);             // digits before letters
   EXPECT_LT(comparaEspanol("ABC", "ABCD"), 0);
 
-  CarpetaTemporal c;
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(c / "P.MDB", tablas);
-  Almacen a;
-  a.abre(c / "P.MDB");
-  Tabla t;
-  t.abre(a, "PERSONAS");
+  // CH after C, LL after L, Ñ after N.
+  Personas p;
+  Tabla& t = p.t;
   const char* nombres[] = {"Llorente", "Luna", "Chávez", "Cuesta", "Ñandú", "Nuez", "Ocaña", "Dávila"};
   int i = 0;
   for (const char* n : nombres) anade(t, "0000" + std::to_string(i++), utf8ACp1252(n));
@@ -161,15 +149,10 @@ TEST(Almacen, LasClavesSiguenElOrdenEspanolCiegoAMayusculasYAcentos) {
 }
 
 TEST(Almacen, BuscaYRecorreEnElOrdenDelIndiceAunqueSeEscribaDuranteElRecorrido) {
-  CarpetaTemporal c;
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(c / "P.MDB", tablas);
-  Almacen a;
-  a.abre(c / "P.MDB");
-  Tabla t;
-  t.abre(a, "PERSONAS");
+  Personas p;
+  Tabla& t = p.t;
   {
-    Transaccion tr(a);
+    Transaccion tr(p.a);
     for (int i = 600; i >= 1; --i) anade(t, llenaIzq(std::to_string(i), 5, '0'), "N", 1);
     tr.confirma();
   }
@@ -189,7 +172,7 @@ TEST(Almacen, BuscaYRecorreEnElOrdenDelIndiceAunqueSeEscribaDuranteElRecorrido) 
     ++vistos;
   }
   EXPECT_EQ(vistos, 600);
-  Consulta q = a.consulta("SELECT count(*) AS N FROM PERSONAS WHERE IMPORTE = 2");
+  Consulta q = p.a.consulta("SELECT count(*) AS N FROM PERSONAS WHERE IMPORTE = 2");
   ASSERT_TRUE(q.siguiente());
   EXPECT_EQ(q.numero("N"), 600);
 
@@ -218,13 +201,10 @@ TEST(Almacen, BuscaYRecorreEnElOrdenDelIndiceAunqueSeEscribaDuranteElRecorrido) 
 // Inside a transaction a seek for the key the cursor stands on is answered without the
 // store; anything written since, by this cursor or another, makes it ask again.
 TEST(Almacen, LaBusquedaRepetidaVeLoQueSeEscribioEntreTanto) {
-  CarpetaTemporal c;
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(c / "P.MDB", tablas);
-  Almacen a;
-  a.abre(c / "P.MDB");
-  Tabla t, otra;
-  t.abre(a, "PERSONAS");
+  Personas p;
+  Almacen& a = p.a;
+  Tabla& t = p.t;
+  Tabla otra;
   otra.abre(a, "PERSONAS");
   anade(t, "00001", "ANA", 1);
   anade(t, "00002", "LUIS", 2);
@@ -246,39 +226,19 @@ TEST(Almacen, LaBusquedaRepetidaVeLoQueSeEscribioEntreTanto) {
   tr.confirma();
 }
 
-TEST(Almacen, LosValoresQueNoCabenSeRechazanConUnMensajeClaro) {
-  CarpetaTemporal c;
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(c / "P.MDB", tablas);
-  Almacen a;
-  a.abre(c / "P.MDB");
-  Tabla t;
-  t.abre(a, "PERSONAS");
+TEST(Almacen, LosValoresQueNoCabenSeRechazanYLosDemasCruzanElAlmacenSinPerderNada) {
+  Personas p;
+  Tabla& t = p.t;
+  t.indice("PORCODIGO");
   anade(t, "00001", "UNO");
   t.nuevo();
   EXPECT_THROW(t.pon("CODIGO", "123456"), ErrorAlmacen);  // Text 5
   EXPECT_THROW(t.pon("IMPORTE", "doce"), ErrorAlmacen);
   EXPECT_THROW(t.pon("ALTA", "31/02/2002"), ErrorAlmacen);
   t.pon("CODIGO", "00001");
-  try {
-    t.actualiza();
-    FAIL();
-  } catch (const ErrorAlmacen& e) {
-    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Duplicado);
-  }
+  EXPECT_EQ(errorDe([&] { t.actualiza(); }), ErrorAlmacen::Tipo::Duplicado);
   EXPECT_EQ(t.cuenta(), 1);
-}
 
-TEST(Almacen, FechasTextoYNumerosCruzanElAlmacenSinPerderNada) {
-  CarpetaTemporal c;
-  const auto ruta = c / "P.MDB";
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(ruta, tablas);
-  Almacen a;
-  a.abre(ruta);
-  Tabla t;
-  t.abre(a, "PERSONAS");
-  t.indice("PORCODIGO");
   // Accents, Ñ and the bytes that Windows-1252 leaves undefined (as the accent mapping of
   // the files produces them) come back byte for byte.
   const std::string raro = "\xD1\xE1\x81\x8D\x8F\x90\x9D\xA5";
@@ -299,7 +259,7 @@ TEST(Almacen, FechasTextoYNumerosCruzanElAlmacenSinPerderNada) {
   ASSERT_TRUE(t.busca("=", {"00002"}));
   EXPECT_TRUE(t.campo("ALTA").esNulo());
 
-  OtraConexion otro(ruta);
+  OtraConexion otro(p.ruta);
   EXPECT_EQ(otro.valor("SELECT ALTA FROM PERSONAS WHERE CODIGO = '28''1'"), "2002-03-01");
   EXPECT_EQ(otro.valor("SELECT NOMBRE FROM PERSONAS WHERE CODIGO = '28''1'"), cp1252AUtf8(raro));
 
@@ -342,36 +302,14 @@ TEST(Almacen, UnaTablaSinAbrirSeLeeVaciaYNoAdmiteEscrituras) {
   EXPECT_THROW(t.nuevo(), ErrorAlmacen);
 
   // A cursor of a store that was closed reads as closed too.
-  CarpetaTemporal c;
-  const std::array<DefTabla, 1> tablas{PERSONAS};
-  Almacen::crea(c / "P.MDB", tablas);
-  Almacen a;
-  a.abre(c / "P.MDB");
-  Tabla u;
-  u.abre(a, "PERSONAS");
-  a.cierra();
-  EXPECT_FALSE(u.busca("=", {"1"}));
-  EXPECT_THROW(u.nuevo(), ErrorAlmacen);
+  Personas p;
+  p.a.cierra();
+  EXPECT_FALSE(p.t.busca("=", {"1"}));
+  EXPECT_THROW(p.t.nuevo(), ErrorAlmacen);
 }
 
-TEST(Almacen, LasTablasCreadasLlevanSusColumnasEIndicesEnSuOrden) {
-  EXPECT_EQ(esquemas::NOMIN().columnas.size(), 205u);
-  EXPECT_EQ(esquemas::NOMIN().columnas[0].nombre, "BSSE");
-  EXPECT_EQ(esquemas::NOMIN().columnas.back().nombre, "B126");
-  auto columna = [](const DefTabla& t, const std::string& n) {
-    for (const auto& c : t.columnas)
-      if (c.nombre == n) return c;
-    return DefColumna{};
-  };
-  EXPECT_EQ(columna(esquemas::NOMIN(), "LW12").ancho, 50);
-  EXPECT_EQ(columna(esquemas::NOMIN(), "LW17").ancho, 30);
-  EXPECT_EQ(columna(esquemas::NOMIN(), "LW16").ancho, 35);
-  EXPECT_EQ(columna(esquemas::NOMIN(), "BB4").nombre, "");
-  EXPECT_EQ(columna(esquemas::INCIDEN(), "I23").tipo, TipoColumna::Texto);
-  EXPECT_EQ(columna(esquemas::INCIDEN(), "I24").tipo, TipoColumna::Doble);
-  EXPECT_EQ(esquemas::INCIDEN().columnas.back().nombre, "ITRASOMES");
-  EXPECT_EQ(esquemas::VALDORTA().columnas.size(), 23u);
-
+// The unique index of the month's payroll compares its keys in the Spanish order.
+TEST(Almacen, LosIndicesDeLasTablasCreadasComparanEnOrdenEspanol) {
   const auto sql = sqlDeCreacion(esquemas::NOMIN());
   ASSERT_EQ(sql.size(), 5u);
   EXPECT_EQ(sql[4],

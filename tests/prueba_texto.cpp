@@ -7,7 +7,7 @@
 namespace valdor {
 namespace {
 
-TEST(Cp1252, CadaByteSobreviveAlViajeDeIdaYVuelta) {
+TEST(Cp1252, CadaByteSobreviveAlViajeYLoSinFormaDaUnaInterrogacionPorByte) {
   std::string todos;
   for (int b = 0; b < 256; ++b) todos.push_back(static_cast<char>(b));
   std::size_t perdidos = 99;
@@ -17,11 +17,7 @@ TEST(Cp1252, CadaByteSobreviveAlViajeDeIdaYVuelta) {
 
   // Euro, an undefined byte, Ÿ and é.
   EXPECT_EQ(cp1252AUtf8("\x80\x81\x9F\xE9"), "\xE2\x82\xAC\xC2\x81\xC5\xB8\xC3\xA9");
-  EXPECT_EQ(puntoDeCodigo(0x8D), U'\u008D');
-  EXPECT_EQ(puntoDeCodigo(0x9C), U'\u0153');
-}
 
-TEST(Cp1252, SinFormaOMalFormadoDaUnaInterrogacionPorByte) {
   auto convierte = [](std::string_view utf8) {
     std::size_t perdidos = 0;
     std::string texto = utf8ACp1252(utf8, &perdidos);
@@ -45,21 +41,17 @@ TEST(Cp1252, SinFormaOMalFormadoDaUnaInterrogacionPorByte) {
   EXPECT_FALSE(esRepresentableCp1252("\xC0\xAF"));
 }
 
-TEST(Mayusculas, SoloLasLetrasQueTienenCapital) {
+TEST(Subtextos, MayusculasRecortesPosicionesDesdeUnoYCampos) {
   EXPECT_EQ(mayusculas("a\xF1o 1-z"), "A\xD1O 1-Z");
   EXPECT_EQ(mayusculas("\xE7\xFE\x9A\x9C\x9E\xFF"), "\xC7\xDE\x8A\x8C\x8E\x9F");
   // ÷, ß and µ stay as they are.
   EXPECT_EQ(mayusculas("\xF7\xDF\xB5"), "\xF7\xDF\xB5");
-}
 
-TEST(Recortes, QuitanBlancosYNadaMas) {
   EXPECT_EQ(recorta("  a b  "), "a b");
   EXPECT_EQ(recorta("\ta\t "), "\ta\t");
   EXPECT_EQ(recortaIzq("  a "), "a ");
   EXPECT_EQ(recortaDer("  a "), "  a");
-}
 
-TEST(Subtextos, PosicionesDesdeUno) {
   EXPECT_EQ(medio("ABCDEF", 2, 3), "BCD");
   EXPECT_EQ(medio("ABC", 4), "");
   EXPECT_EQ(medio("ABC", 2, 10), "BC");
@@ -71,9 +63,8 @@ TEST(Subtextos, PosicionesDesdeUno) {
   EXPECT_EQ(posicion("ABC", "C", 4), 0u);
   EXPECT_EQ(posicion("ABC", "", 4), 4u);
   EXPECT_EQ(posicion("ABC", "", 5), 0u);
-}
 
-TEST(Campos, LosQueNoCabenNoExistenYLosRellenosNoCortan) {
+  // Fields that do not fit do not exist; padding never cuts.
   EXPECT_EQ(campoIzq("12", 5, '0'), "00012");
   EXPECT_EQ(campoIzq("123456", 5, '0'), std::nullopt);
   EXPECT_EQ(campoDer("AB", 4, ' '), "AB  ");

@@ -106,7 +106,6 @@ TEST(FicheroTiposLectura, FicheroPropioSoloSiTieneContenidoYNSAEnElPrimerTrimest
   EXPECT_EQ(t.CCTIPO, "  28.30");
   ASSERT_TRUE(LEETIPOS(dir.ruta(), 1997, 4, "", t));
   EXPECT_EQ(t.CCTIPO, "  28.80");
-  EXPECT_EQ(nombreFicheroTipos(1997, 1), "N-SA1997.MDB");
   EXPECT_EQ(nombreFicheroTipos(1998, 2), "N-SS1998.MDB");
 }
 
