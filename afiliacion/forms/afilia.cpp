@@ -174,11 +174,7 @@ void AFILIA::construye() {
   cuerpo->addSpacing(4);
   cuerpo->addLayout(pie);
 
-  auto* capa = new QVBoxLayout(this);
-  capa->setContentsMargins(0, 0, 0, 0);
-  capa->setSpacing(0);
-  capa->addWidget(cabecera);
-  capa->addLayout(cuerpo, 1);
+  colocaForma(this, nullptr, cabecera, cuerpo);
 
   // The run's progress reaches the bar as the rules tell it, when the desktop answers them.
   if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))

@@ -169,17 +169,7 @@ void EDITOR::construye() {
   cuerpo->addWidget(REJILLA_, 1);
   cuerpo->addWidget(estado);
 
-  auto* derecha = new QVBoxLayout;
-  derecha->setContentsMargins(0, 0, 0, 0);
-  derecha->setSpacing(0);
-  derecha->addWidget(cabecera);
-  derecha->addLayout(cuerpo, 1);
-
-  auto* capa = new QHBoxLayout(this);
-  capa->setContentsMargins(0, 0, 0, 0);
-  capa->setSpacing(0);
-  capa->addWidget(barra);
-  capa->addLayout(derecha, 1);
+  colocaForma(this, barra, cabecera, cuerpo);
 }
 
 // The rows the file's size suggests, then a row per line: its number, the line and its

@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <exception>
 
+#include "shell/forms/cabecera.h"
 #include "shell/forms/barralista.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/texto_qt.h"
@@ -212,17 +213,7 @@ void COTIZACION::construye() {
   cuerpo->addLayout(empresas, 1);
   cuerpo->addWidget(progreso_);
 
-  auto* derecha = new QVBoxLayout;
-  derecha->setContentsMargins(0, 0, 0, 0);
-  derecha->setSpacing(0);
-  derecha->addWidget(titulo);
-  derecha->addLayout(cuerpo, 1);
-
-  auto* capa = new QHBoxLayout(this);
-  capa->setContentsMargins(0, 0, 0, 0);
-  capa->setSpacing(0);
-  capa->addWidget(barra);
-  capa->addLayout(derecha, 1);
+  colocaForma(this, barra, titulo, cuerpo);
 }
 
 // The controls from the selection: the chosen items and what is enabled.

@@ -1,6 +1,7 @@
 #include "shell/forms/cabecera.h"
 
 #include <QFrame>
+#include <QHBoxLayout>
 #include <QLabel>
 #include <QVBoxLayout>
 
@@ -27,6 +28,20 @@ Cabecera cabecera(QWidget* padre, const QString& titulo, int puntos, const QStri
   capa->addWidget(c.titulo);
   capa->addWidget(c.detalle);
   return c;
+}
+
+void colocaForma(QWidget* forma, QWidget* barra, QWidget* cabecera, QLayout* cuerpo) {
+  auto* columna = barra ? new QVBoxLayout : new QVBoxLayout(forma);
+  columna->setContentsMargins(0, 0, 0, 0);
+  columna->setSpacing(0);
+  columna->addWidget(cabecera);
+  columna->addLayout(cuerpo, 1);
+  if (!barra) return;
+  auto* capa = new QHBoxLayout(forma);
+  capa->setContentsMargins(0, 0, 0, 0);
+  capa->setSpacing(0);
+  capa->addWidget(barra);
+  capa->addLayout(columna, 1);
 }
 
 }  // namespace valdor::formularios

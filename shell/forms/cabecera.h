@@ -5,6 +5,7 @@
 #include <QString>
 
 class QFrame;
+class QLayout;
 class QLabel;
 class QWidget;
 
@@ -20,5 +21,9 @@ struct Cabecera {
 // takes the style given for it (a Qt style sheet body, e.g. "font-style: italic;").
 Cabecera cabecera(QWidget* padre, const QString& titulo, int puntos, const QString& nombreDetalle,
                   const QString& estiloDetalle = {});
+
+// The layout of a form: the band over the body, with the list bar (if any) on the left
+// of both; no margins between them.
+void colocaForma(QWidget* forma, QWidget* barra, QWidget* cabecera, QLayout* cuerpo);
 
 }  // namespace valdor::formularios

@@ -1,3 +1,4 @@
+#include "shell/forms/cabecera.h"
 #include "shell/forms/pxvaldor32.h"
 
 #include <QButtonGroup>
@@ -241,11 +242,7 @@ void PXVALDOR32::construye() {
   cuerpo->addStretch(1);
   cuerpo->addLayout(pie);
 
-  auto* capa = new QVBoxLayout(this);
-  capa->setContentsMargins(0, 0, 0, 0);
-  capa->setSpacing(0);
-  capa->addWidget(cabecera);
-  capa->addLayout(cuerpo, 1);
+  colocaForma(this, nullptr, cabecera, cuerpo);
 }
 
 void PXVALDOR32::carga() {
