@@ -12,6 +12,7 @@
 
 #include "stores/colacion.h"
 #include "stores/fechas.h"
+#include "stores/literales.h"
 #include "stores/ficheros.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
@@ -59,11 +60,27 @@ TipoColumna tipoDeclarado(std::string_view declarado, int& ancho) {
 
 // ---- Almacen ------------------------------------------------------------------------
 
-Almacen::~Almacen() { cierra(); }
+Almacen::~Almacen() {
+  cierra();
+  copia_.reset();
+}
+
+ErrorAlmacen errorDanado(const std::filesystem::path& ruta, std::string detalle) {
+  return ErrorAlmacen(ErrorAlmacen::Tipo::Danado,
+                      "El fichero " + entreComillas(ruta) +
+                          " no es una base de datos v\xE1lida o est\xE1 da\xF1\x61\x64o. No se ha "
+                          "modificado: rep\xE1relo o rec\xFAperelo de una copia de seguridad.",
+                      std::move(detalle));
+}
 
 [[noreturn]] void Almacen::falla(int codigo, std::string_view que) const {
   const std::string fichero = entreComillas(ruta_);
   const std::string detalle = db_ ? utf8ACp1252(sqlite3_errmsg(db_)) : utf8ACp1252(sqlite3_errstr(codigo));
+  if (soloLectura_ && (codigo & 0xFF) == SQLITE_READONLY)
+    throw ErrorAlmacen(ErrorAlmacen::Tipo::SoloLectura,
+                       "El fichero " + fichero +
+                           std::string(" es del programa de nóminas (una base de datos Jet): VALDOR+ sólo lo lee y no "
+                           "escribe en él."_cp));
   switch (codigo & 0xFF) {
     case SQLITE_BUSY:
     case SQLITE_LOCKED:
@@ -71,10 +88,7 @@ Almacen::~Almacen() { cierra(); }
                          "El fichero " + fichero + " est\xE1 bloqueado por otro usuario.");
     case SQLITE_NOTADB:
     case SQLITE_CORRUPT:
-      throw ErrorAlmacen(ErrorAlmacen::Tipo::Danado,
-                         "El fichero " + fichero +
-                             " no es una base de datos v\xE1lida o est\xE1 da\xF1\x61\x64o. No se ha "
-                             "modificado: rep\xE1relo o rec\xFAperelo de una copia de seguridad.");
+      throw errorDanado(ruta_, detalle);
     case SQLITE_FULL:
       throw ErrorAlmacen(ErrorAlmacen::Tipo::Disco,
                          "No queda espacio en el disco para escribir en " + fichero + ".");
@@ -131,9 +145,16 @@ bool Almacen::crea(const std::filesystem::path& ruta, std::span<const DefTabla> 
 void Almacen::abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones) {
   cierra();
   ruta_ = ruta;
+  soloLectura_ = false;
   std::error_code ec;
   if (!std::filesystem::is_regular_file(ruta, ec))
     throw ErrorAlmacen(ErrorAlmacen::Tipo::NoExiste, "No se encuentra el fichero " + entreComillas(ruta) + ".");
+  motor_ = motorDe(ruta);
+  if (esJet(motor_)) {
+    abreJet(opciones);
+    return;
+  }
+  copia_.reset();
 
   sqlite3* db = nullptr;
   const int rc = sqlite3_open_v2(ruta.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
@@ -158,12 +179,29 @@ void Almacen::abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones) 
   }
 }
 
+void Almacen::abreJet(const OpcionesAlmacen& opciones) {
+  const auto identidad = identidadDe(ruta_);
+  const bool igual = copia_ && identidad && copia_->ruta == ruta_ && copia_->identidad == *identidad &&
+                     copia_->tablas == opciones.jet.tablas;
+  if (!igual) {
+    copia_.reset();
+    CopiaJet nueva = copiaJet(ruta_, opciones.jet);
+    copia_ = CopiaRetenida{std::move(nueva.base), ruta_, nueva.identidad, opciones.jet.tablas};
+  }
+  db_ = copia_->base.get();
+  copiaEnUso_ = true;
+  soloLectura_ = true;
+  ++apertura_;
+}
+
 void Almacen::cierra() noexcept {
   preparadas_.clear();
   if (db_ != nullptr) {
     if (!sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
-    // Statements still held by cursors finish the close when they are finalised.
-    sqlite3_close_v2(db_);
+    // The copy of a Jet file stays for the next opening; statements still held by
+    // cursors of an SQLite file finish its close when they are finalised.
+    if (!copiaEnUso_) sqlite3_close_v2(db_);
+    copiaEnUso_ = false;
     db_ = nullptr;
   }
   ++generacion_;
@@ -375,9 +413,14 @@ bool Tabla::indice(std::string_view nombre) {
   if (!disponible()) return false;
   // The index in use already: nothing to look up (the rules select it before each seek).
   if (!indice_.empty() && mayusculasAscii(indice_) == mayusculasAscii(nombre)) return true;
-  Sentencia lista(*almacen_, "SELECT name FROM pragma_index_list(?) WHERE name = ? COLLATE NOCASE");
+  // A Jet file's index whose name another table of the file took first is kept in the
+  // copy as "TABLA.INDICE".
+  Sentencia lista(*almacen_,
+                  "SELECT name FROM pragma_index_list(?) WHERE name = ? COLLATE NOCASE OR name = ? COLLATE NOCASE "
+                  "ORDER BY length(name)");
   lista.vincula(1, Valor(nombre_));
   lista.vincula(2, Valor(nombre));
+  lista.vincula(3, Valor(nombre_ + "." + std::string(nombre)));
   if (!lista.paso()) return false;
   const std::string real = lista.valor(0).texto();
   std::vector<int> claves;
@@ -736,7 +779,7 @@ std::vector<std::string> sqlDeCreacion(const DefTabla& tabla) {
     if (!columnas.empty()) columnas += ", ";
     columnas += comillaIdentificador(c.nombre);
     switch (c.tipo) {
-      case TipoColumna::Texto: columnas += " TEXT(" + std::to_string(c.ancho) + ")"; break;
+      case TipoColumna::Texto: columnas += c.ancho > 0 ? " TEXT(" + std::to_string(c.ancho) + ")" : " TEXT"; break;
       case TipoColumna::Doble: columnas += " REAL"; break;
       case TipoColumna::Fecha: columnas += " DATE"; break;
     }

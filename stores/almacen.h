@@ -10,6 +10,7 @@
 #pragma once
 
 #include "stores/error.h"
+#include "stores/jet.h"
 
 #include <chrono>
 #include <cstdint>
@@ -93,14 +94,23 @@ class ErrorAlmacen : public ErrorValdor {
     Disco,       // the disk is full or cannot be written
     Duplicado,   // a row with the same unique key exists
     Dato,        // a value that does not fit its column
+    SoloLectura, // a store of the payroll product that VALDOR+ only reads
     Otro
   };
-  ErrorAlmacen(Tipo tipo, const std::string& mensaje) : ErrorValdor(mensaje), tipo_(tipo) {}
+  ErrorAlmacen(Tipo tipo, const std::string& mensaje, std::string detalle = {})
+      : ErrorValdor(mensaje), tipo_(tipo), detalle_(std::move(detalle)) {}
   Tipo tipo() const { return tipo_; }
+  // What the engine found, for support; the message stays the user's.
+  const std::string& detalle() const { return detalle_; }
 
  private:
   Tipo tipo_;
+  std::string detalle_;
 };
+
+// The error of a file that is not a sound database, whatever its engine: reported by its
+// name and left as it is.
+ErrorAlmacen errorDanado(const std::filesystem::path& ruta, std::string detalle = {});
 
 // ---- Stores -----------------------------------------------------------------------
 
@@ -111,6 +121,9 @@ class Tabla;
 struct OpcionesAlmacen {
   // How long a locked file is waited for before the lock is reported.
   std::chrono::milliseconds esperaBloqueo{2000};
+  // For a Jet file: which tables are copied (`jet.tablas`, every one when empty), and
+  // how its reading is watched.
+  OpcionesJet jet;
 };
 
 class Almacen {
@@ -125,13 +138,21 @@ class Almacen {
   // Throws ErrorAlmacen when the file cannot be made; a half-made file is removed.
   static bool crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas);
 
-  // Opens an existing store. Throws ErrorAlmacen: NoExiste for a missing file, Danado
-  // for a file that is not a sound SQLite database, Bloqueo for a locked one.
+  // Opens an existing store, SQLite or Jet as its header says. Throws ErrorAlmacen:
+  // NoExiste for a missing file, Danado for a file that is not a sound database,
+  // Bloqueo for a locked one (or a Jet file that kept changing while it was read).
+  // A Jet file is read into a copy in memory and only read: every write throws
+  // SoloLectura. The copy is kept when the store is closed, and opening the same file
+  // again, unchanged, takes it back instead of reading the file once more.
   void abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones = {});
   // Closes the store and every cursor and query still open on it. Harmless twice.
   void cierra() noexcept;
   bool abierto() const { return db_ != nullptr; }
   const std::filesystem::path& ruta() const { return ruta_; }
+  // The engine of the file open (or last open).
+  Motor motor() const { return motor_; }
+  // A store of the payroll product, which VALDOR+ reads and never writes.
+  bool soloLectura() const { return soloLectura_; }
 
   bool tieneTabla(std::string_view tabla);
 
@@ -161,8 +182,22 @@ class Almacen {
   std::uint64_t apertura() const { return apertura_; }
 
  private:
+  void abreJet(const OpcionesAlmacen& opciones);
+
   sqlite3* db_ = nullptr;
   std::filesystem::path ruta_;
+  Motor motor_ = Motor::Ninguno;
+  bool soloLectura_ = false;
+  // The copy of a Jet file, which outlives a close: the file, the state of it that was
+  // copied and the tables asked for.
+  struct CopiaRetenida {
+    BaseEnMemoria base;
+    std::filesystem::path ruta;
+    IdentidadFichero identidad;
+    std::vector<std::string> tablas;
+  };
+  std::optional<CopiaRetenida> copia_;
+  bool copiaEnUso_ = false;
   std::uint64_t generacion_ = 0;
   std::uint64_t apertura_ = 0;
   std::unordered_map<std::string, std::unique_ptr<Sentencia>> preparadas_;

@@ -65,8 +65,10 @@ bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla
 bool Almacenes::abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
                      std::string_view mensajeBloqueo) {
   ALMACENACTUAL = ruta.filename().string();
+  OpcionesAlmacen opciones;
+  for (const TablaDe& t : tablas) opciones.jet.tablas.emplace_back(t.nombre);
   try {
-    almacen.abre(ruta);
+    almacen.abre(ruta, opciones);
   } catch (const ErrorAlmacen& e) {
     informa(e, mensajeBloqueo, false);
     return false;

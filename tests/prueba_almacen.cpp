@@ -116,7 +116,9 @@ TEST(Almacen, UnFicheroRotoSeNombraYSeDejaIgualYUnoBloqueadoSeInformaComoBloqueo
   Almacen::crea(bloqueado, tablas);
   OtraConexion otro(bloqueado);
   ASSERT_EQ(otro.ejecuta("BEGIN EXCLUSIVE"), SQLITE_OK);
-  EXPECT_EQ(errorDe([&] { a.abre(bloqueado, OpcionesAlmacen{std::chrono::milliseconds(50)}); }),
+  EXPECT_EQ(errorDe([&] { OpcionesAlmacen breve;
+    breve.esperaBloqueo = std::chrono::milliseconds(50);
+    a.abre(bloqueado, breve); }),
             ErrorAlmacen::Tipo::Bloqueo);
   otro.ejecuta("ROLLBACK");
   EXPECT_NO_THROW(a.abre(bloqueado));

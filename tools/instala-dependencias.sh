@@ -3,7 +3,7 @@
 # only those that are missing.
 set -euo pipefail
 
-paquetes=(cmake make g++ libsqlite3-dev sqlite3 libgtest-dev qt6-base-dev libgl-dev fonts-dejavu-core)
+paquetes=(cmake make g++ pkg-config libsqlite3-dev sqlite3 mdbtools-dev libgtest-dev qt6-base-dev libgl-dev fonts-dejavu-core)
 faltan=()
 for p in "${paquetes[@]}"; do
   dpkg-query -W -f='${Status}' "$p" 2>/dev/null | grep -q "install ok installed" || faltan+=("$p")
