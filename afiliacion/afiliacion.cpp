@@ -22,6 +22,11 @@ std::string_view preguntaBorrarPendientes() {
   return "Si ha realizado el envío de un fichero de afiliación debería borrar la base de datos de productores "
          "pendientes de envío. ¿Desea que Dortek borre ahora la base de datos?"_cp;
 }
+std::string_view textoPendientesDelProgramaDeNominas() {
+  return "La lista de trabajadores pendientes de afiliación (ACUVALDOR.MDB) es del programa de nóminas: VALDOR+ "
+         "no la vacía ni cambia nada en ella. Vacíela desde el programa de nóminas después de enviar el "
+         "fichero de afiliación."_cp;
+}
 std::string_view preguntaEditarAfi() {
   return "El asistente ha terminado de preparar su fichero .AFI ¿Desea editar el fichero para verificar su "
          "sintaxis?"_cp;
@@ -423,6 +428,12 @@ void BORRAMETODOSREG(Programa& programa) {
   Almacenes& a = programa.almacenes;
   try {
     if (!a.acuvaldor.abierto()) a.ABREACUVALDOR();
+    if (a.acuvaldor.soloLectura()) {
+      // The payroll product's own Jet file: its list is emptied there, never here.
+      programa.dialogos().mensaje(tituloPendientes(), textoPendientesDelProgramaDeNominas(), Icono::Informacion);
+      a.CIERRAACUVALDOR();
+      return;
+    }
     Transaccion t(a.acuvaldor);
     a.acuvaldor.ejecuta("DELETE FROM VALDORTA");
     t.confirma();

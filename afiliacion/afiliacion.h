@@ -32,6 +32,8 @@ const FilaAfiliacion& cabecerasAFI();
 std::string_view tituloAFILIA();          // "Módulo de afiliación"
 std::string_view tituloPendientes();      // "PRODUCTORES PENDIENTES DE AFILIACION"
 std::string_view preguntaBorrarPendientes();
+// Said instead of emptying the list when it is the payroll product's own Jet file.
+std::string_view textoPendientesDelProgramaDeNominas();
 std::string_view preguntaEditarAfi();
 
 struct AFILIA {
@@ -93,7 +95,8 @@ void LINEAPIE(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi);
 std::optional<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi,
                                           FormulariosIntercambio& formularios);
 
-// Empties VALDORTA (the user says the file was sent).
+// Empties VALDORTA (the user says the file was sent). A list kept in the payroll
+// product's own Jet file is left as it is, and the user is told to empty it there.
 void BORRAMETODOSREG(Programa& programa);
 
 // "&Salir": the question; on yes the pending table is emptied. The caller ends the program.

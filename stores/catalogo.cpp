@@ -51,9 +51,19 @@ void Almacenes::informa(const ErrorAlmacen& e, std::string_view mensajeBloqueo, 
   }
 }
 
+bool Almacenes::oficinaJet() const {
+  for (std::string_view nombre :
+       {NOMBREEMPRESAS, NOMBREPRODUCTO, NOMBRECONVENIO, NOMBRECONSTANT, NOMBREBONIFICA, NOMBREDESEMPLEO})
+    if (esJet(motorDe(enPrograma(nombre)))) return true;
+  return false;
+}
+
 bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas,
-                     std::string_view mensajeBloqueo) {
+                     std::string_view mensajeBloqueo, Dueno dueno) {
   ALMACENACTUAL = ruta.filename().string();
+  // Beside a payroll product's files, a store made by VALDOR+ would be taken by that
+  // product for its own, and it could not read it.
+  if (dueno == Dueno::Nominas && oficinaJet()) return false;
   try {
     return Almacen::crea(ruta, tablas);
   } catch (const ErrorAlmacen& e) {
@@ -63,8 +73,12 @@ bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla
 }
 
 bool Almacenes::abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
-                     std::string_view mensajeBloqueo) {
+                     std::string_view mensajeBloqueo, bool deTrabajo) {
   ALMACENACTUAL = ruta.filename().string();
+  // In a payroll product's office a work store it has not made yet is one without rows:
+  // its tables read as empty, and nothing is made in its place.
+  std::error_code ec;
+  if (deTrabajo && !std::filesystem::exists(ruta, ec) && oficinaJet()) return false;
   OpcionesAlmacen opciones;
   for (const TablaDe& t : tablas) opciones.jet.tablas.emplace_back(t.nombre);
   try {
@@ -153,9 +167,15 @@ void Almacenes::CIERRAMAESTROS() noexcept {
 
 namespace {
 std::array<DefTabla, 1> una(const DefTabla& t) { return {t}; }
+constexpr bool DETRABAJO = true;
 }  // namespace
 
-bool Almacenes::CREATEMPORAL() { return crea(enTrabajo(NOMBRETEMPORAL), una(esquemas::TMPVALDOR()), MENSAJEBLOQUEO); }
+bool Almacenes::CREATEMPORAL() {
+  // The temp store is always VALDOR+'s own SQLite file: one in another engine was left by
+  // a run of the old program, and is of no use to anybody.
+  if (const Motor m = motorDe(enTrabajo(NOMBRETEMPORAL)); m != Motor::Ninguno && m != Motor::SQLite) BORRATEMPORAL();
+  return crea(enTrabajo(NOMBRETEMPORAL), una(esquemas::TMPVALDOR()), MENSAJEBLOQUEO, Dueno::Valdor);
+}
 bool Almacenes::ABRETEMPORAL() {
   return abre(temporal, enTrabajo(NOMBRETEMPORAL), {{&TMPVALDOR, "TMPVALDOR"}}, MENSAJEBLOQUEO);
 }
@@ -172,7 +192,7 @@ void Almacenes::BORRATEMPORAL() noexcept {
 
 bool Almacenes::CREAACUVALDOR() { return crea(enTrabajo(NOMBREACUVALDOR), una(esquemas::VALDORTA()), MENSAJEBLOQUEO); }
 bool Almacenes::ABREACUVALDOR() {
-  return abre(acuvaldor, enTrabajo(NOMBREACUVALDOR), {{&VALDORTA, "VALDORTA"}}, MENSAJEBLOQUEO);
+  return abre(acuvaldor, enTrabajo(NOMBREACUVALDOR), {{&VALDORTA, "VALDORTA"}}, MENSAJEBLOQUEO, DETRABAJO);
 }
 void Almacenes::CIERRAACUVALDOR() noexcept {
   VALDORTA.cierra();
@@ -180,7 +200,7 @@ void Almacenes::CIERRAACUVALDOR() noexcept {
 }
 
 bool Almacenes::CREAILTS() { return crea(enTrabajo(NOMBREILTS), una(esquemas::ILTS()), MENSAJEBLOQUEOSELUNA); }
-bool Almacenes::ABREILTS() { return abre(ilts, enTrabajo(NOMBREILTS), {{&ILTS, "ILTS"}}, MENSAJEBLOQUEOSELUNA); }
+bool Almacenes::ABREILTS() { return abre(ilts, enTrabajo(NOMBREILTS), {{&ILTS, "ILTS"}}, MENSAJEBLOQUEOSELUNA, DETRABAJO); }
 void Almacenes::CIERRAILTS() noexcept {
   ILTS.cierra();
   ilts.cierra();
@@ -190,7 +210,7 @@ bool Almacenes::CREAFORMACION() {
   return crea(enTrabajo(NOMBREFORMACION), una(esquemas::FORMACION()), MENSAJEBLOQUEOSELUNA);
 }
 bool Almacenes::ABREFORMACION() {
-  return abre(formacion, enTrabajo(NOMBREFORMACION), {{&FORMACION, "FORMACION"}}, MENSAJEBLOQUEOSELUNA);
+  return abre(formacion, enTrabajo(NOMBREFORMACION), {{&FORMACION, "FORMACION"}}, MENSAJEBLOQUEOSELUNA, DETRABAJO);
 }
 void Almacenes::CIERRAFORMACION() noexcept {
   FORMACION.cierra();
@@ -199,7 +219,7 @@ void Almacenes::CIERRAFORMACION() noexcept {
 
 bool Almacenes::CREATIPODOC() { return crea(enTrabajo(NOMBRETIPODOC), una(esquemas::TDOCUMENTO()), MENSAJEBLOQUEO); }
 bool Almacenes::ABRETIPODOC() {
-  return abre(tipodoc, enTrabajo(NOMBRETIPODOC), {{&TDOCUMENTO, "TDOCUMENTO"}}, MENSAJEBLOQUEO);
+  return abre(tipodoc, enTrabajo(NOMBRETIPODOC), {{&TDOCUMENTO, "TDOCUMENTO"}}, MENSAJEBLOQUEO, DETRABAJO);
 }
 void Almacenes::CIERRATIPODOC() noexcept {
   TDOCUMENTO.cierra();
@@ -208,7 +228,7 @@ void Almacenes::CIERRATIPODOC() noexcept {
 
 bool Almacenes::CREACUENTAS() { return crea(enTrabajo(NOMBRECUENTAS), una(esquemas::CUENTASTAB()), MENSAJEBLOQUEO); }
 bool Almacenes::ABRECUENTAS() {
-  return abre(cuentas, enTrabajo(NOMBRECUENTAS), {{&CUENTASTAB, "CUENTASTAB"}}, MENSAJEBLOQUEO);
+  return abre(cuentas, enTrabajo(NOMBRECUENTAS), {{&CUENTASTAB, "CUENTASTAB"}}, MENSAJEBLOQUEO, DETRABAJO);
 }
 void Almacenes::CIERRACUENTAS() noexcept {
   CUENTASTAB.cierra();

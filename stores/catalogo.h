@@ -106,6 +106,11 @@ class Almacenes {
   // in a normal run it reads as an empty table and the statement has no deductions.
   Tabla DESCUENTOS;
 
+  // An office of the payroll product: its master stores are Jet files. VALDOR+ then
+  // creates no store beside them (a missing month or work store reads as empty), but
+  // its own temp store.
+  bool oficinaJet() const;
+
   // ---- Create, open, close ----
   // A create makes the store when its file is missing and stops quietly when it
   // exists; it returns true when it made the file. An open returns true when the store
@@ -150,10 +155,14 @@ class Almacenes {
     Tabla* tabla;
     std::string_view nombre;
   };
-  bool crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas,
-            std::string_view mensajeBloqueo);
-  bool abre(Almacen& almacen, const std::filesystem::path& ruta,
-            std::initializer_list<TablaDe> tablas, std::string_view mensajeBloqueo);
+  // Whose file a store is: the payroll product's, made here only in an office of
+  // SQLite stores, or VALDOR+'s own.
+  enum class Dueno { Nominas, Valdor };
+  bool crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas, std::string_view mensajeBloqueo,
+            Dueno dueno = Dueno::Nominas);
+  // A work store (`deTrabajo`) missing in a payroll product's office reads as empty.
+  bool abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
+            std::string_view mensajeBloqueo, bool deTrabajo = false);
   void informa(const ErrorAlmacen& e, std::string_view mensajeBloqueo, bool alCrear);
   std::filesystem::path enTrabajo(std::string_view nombre) const;
   std::filesystem::path enPrograma(std::string_view nombre) const;
