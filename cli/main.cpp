@@ -48,6 +48,11 @@ constexpr std::string_view USO = R"(Uso: valdor-cli [--programa DIR] [--trabajo 
            del cierre ETF cuadran; acaba con 1 si encuentra algo. FICHERO puede ser una
            ruta de Windows (C:\...) de las unidades de Wine
 
+  almacenes [--mes M --ano A]
+           lista los almacenes de la oficina (carpetas del programa y de trabajo, y el
+           del mes): fichero, motor (Jet 3, Jet 4 o SQLite), tablas con sus filas y los
+           problemas que encuentra; acaba con 1 si hay alguno. No escribe nada
+
 La carpeta del programa es la del ejecutable, salvo --programa o VALDOR_PROGRAMA.
 La carpeta de trabajo es la actual; --trabajo cambia a ella antes de empezar.
 )"_cp;
@@ -131,6 +136,7 @@ int ejecuta(const Llamada& llamada) {
   if (llamada.orden == "afi") return ordenAfi(llamada);
   if (llamada.orden == "revisar") return ordenRevisar(llamada);
   if (llamada.orden == "imprimir") return ordenImprimir(llamada);
+  if (llamada.orden == "almacenes") return ordenAlmacenes(llamada);
   throw ErrorLlamada("Orden desconocida: " + utf8ACp1252(llamada.orden) + ".");
 }
 

@@ -62,15 +62,14 @@ std::optional<int> Opciones::entero(const std::string& nombre, int minimo, int m
   return n;
 }
 
-namespace {
-
-// The month and year of a job: given, or by default the month before the moment of
-// the run, as the selection's lists default to it. The year list runs 1901 to 2100.
-void periodo(const Opciones& o, const Momento& ahora, int& mes, int& ano) {
+void periodoDeLaOrden(const Opciones& o, const Momento& ahora, int& mes, int& ano) {
   mesAnterior(ahora, mes, ano);
   if (const auto m = o.entero("--mes", 1, 12)) mes = *m;
   if (const auto a = o.entero("--ano", 1901, 2100)) ano = *a;
 }
+
+namespace {
+
 
 std::string dosCifras(int n) { return (n < 10 ? "0" : "") + std::to_string(n); }
 
@@ -81,7 +80,7 @@ std::string dosCifras(int n) { return (n < 10 ? "0" : "") + std::to_string(n); }
 int ordenMuestra(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--mes", "--ano", "--empresas", "--trabajadores"}, {});
   OpcionesMuestra opciones;
-  periodo(o, llamada.ahora, opciones.mes, opciones.ano);
+  periodoDeLaOrden(o, llamada.ahora, opciones.mes, opciones.ano);
   if (o.tiene("--empresas") != o.tiene("--trabajadores"))
     throw ErrorLlamada("--empresas y --trabajadores van juntas.");
   opciones.empresas = o.entero("--empresas", 1, 99999).value_or(0);
@@ -163,7 +162,7 @@ int ordenAjustes(const Llamada& llamada) {
 int ordenEmpresas(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--mes", "--ano"}, {});
   int mes = 0, ano = 0;
-  periodo(o, llamada.ahora, mes, ano);
+  periodoDeLaOrden(o, llamada.ahora, mes, ano);
 
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
@@ -184,7 +183,7 @@ int ordenEmpresas(const Llamada& llamada) {
 int ordenImprimir(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--mes", "--ano", "--empresa", "--puerto"}, {"--red"});
   int mes = 0, ano = 0;
-  periodo(o, llamada.ahora, mes, ano);
+  periodoDeLaOrden(o, llamada.ahora, mes, ano);
   const auto empresa = o.texto("--empresa");
   if (!empresa || recorta(*empresa).empty()) throw ErrorLlamada("imprimir espera --empresa CODIGO.");
 

@@ -49,6 +49,10 @@ class Opciones {
   std::map<std::string, std::string> valores_;
 };
 
+// The month and year of a job: given, or by default the month before the moment of
+// the run, as the selection's lists default to it. The year list runs 1901 to 2100.
+void periodoDeLaOrden(const Opciones& o, const Momento& ahora, int& mes, int& ano);
+
 struct Llamada {
   Carpetas carpetas;
   Momento ahora;
@@ -64,5 +68,6 @@ int ordenFan(const Llamada& llamada);
 int ordenAfi(const Llamada& llamada);
 int ordenRevisar(const Llamada& llamada);
 int ordenImprimir(const Llamada& llamada);
+int ordenAlmacenes(const Llamada& llamada);
 
 }  // namespace valdor::cli

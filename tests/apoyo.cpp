@@ -44,4 +44,10 @@ std::vector<std::string> registros(const std::filesystem::path& ruta) {
   return r;
 }
 
+std::string paraLaShell(const std::string& texto) {
+  std::string r = "'";
+  for (char c : texto) r += c == '\'' ? std::string("'\\''") : std::string(1, c);
+  return r + "'";
+}
+
 }  // namespace valdor::pruebas

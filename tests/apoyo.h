@@ -33,6 +33,20 @@ void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes);
 // given as it stands).
 std::vector<std::string> registros(const std::filesystem::path& ruta);
 
+// A text quoted for the shell.
+std::string paraLaShell(const std::string& texto);
+
+// What a run of valdor-cli gave: its exit status and its two outputs.
+struct Resultado {
+  int estado = -1;
+  std::string salida;
+  std::string errores;
+};
+
+// Runs valdor-cli, with the folders "programa" and "trabajo" of `c` unless
+// `conCarpetas` is false, and the given arguments; its outputs are kept in `c`.
+Resultado valdor(const CarpetaTemporal& c, const std::vector<std::string>& argumentos, bool conCarpetas = true);
+
 class DialogosGrabador : public Dialogos {
  public:
   struct Aviso {

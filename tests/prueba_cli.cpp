@@ -17,30 +17,8 @@ namespace {
 using pruebas::CarpetaTemporal;
 namespace fs = std::filesystem;
 
-struct Resultado {
-  int estado = -1;
-  std::string salida;
-  std::string errores;
-};
-
-std::string entreComillas(const std::string& s) {
-  std::string r = "'";
-  for (char c : s) r += c == '\'' ? std::string("'\\''") : std::string(1, c);
-  return r + "'";
-}
-
-// Runs valdor-cli with the program and work folders of `c` and the given arguments.
-Resultado valdor(const CarpetaTemporal& c, const std::vector<std::string>& argumentos, bool conCarpetas = true) {
-  std::string orden = entreComillas(VALDOR_CLI);
-  if (conCarpetas)
-    orden += " --programa " + entreComillas((c / "programa").string()) + " --trabajo " +
-             entreComillas((c / "trabajo").string());
-  for (const auto& a : argumentos) orden += " " + entreComillas(a);
-  orden += " >" + entreComillas((c / "salida.txt").string()) + " 2>" + entreComillas((c / "errores.txt").string());
-  const int r = std::system(orden.c_str());
-  return {WIFEXITED(r) ? WEXITSTATUS(r) : -1, pruebas::leeBytes(c / "salida.txt"),
-          pruebas::leeBytes(c / "errores.txt")};
-}
+using pruebas::Resultado;
+using pruebas::valdor;
 
 void creaCarpetas(const CarpetaTemporal& c) {
   fs::create_directories(c / "programa");
@@ -91,7 +69,7 @@ TEST(Cli, LosValoresQueElDialogoNoDejariaEscribirSeRechazanSinTocarElFichero) {
 
 TEST(Cli, LasCarpetasRelativasSeTomanDesdeDondeSeLlama) {
   CarpetaTemporal c;
-  const std::string orden = "cd " + entreComillas(c.ruta().string()) + " && " + entreComillas(VALDOR_CLI) +
+  const std::string orden = "cd " + pruebas::paraLaShell(c.ruta().string()) + " && " + pruebas::paraLaShell(VALDOR_CLI) +
                             " --programa oficina/programa --trabajo oficina/trabajo muestra >/dev/null 2>&1";
   ASSERT_EQ(std::system(orden.c_str()), 0);
   EXPECT_TRUE(fs::exists(c / "oficina/programa/EMPRESAS.MDB"));
