@@ -33,8 +33,6 @@ double Valor::numero() const {
   return 0.0;
 }
 
-namespace {
-
 std::string comillaIdentificador(std::string_view nombre) {
   std::string r = "\"";
   for (char c : nombre) {
@@ -43,6 +41,8 @@ std::string comillaIdentificador(std::string_view nombre) {
   }
   return r + "\"";
 }
+
+namespace {
 
 TipoColumna tipoDeclarado(std::string_view declarado, int& ancho) {
   const std::string t = mayusculasAscii(declarado);
@@ -154,6 +154,10 @@ void Almacen::abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones) 
     abreJet(opciones);
     return;
   }
+  // A file with the header of neither engine is no store, even one that SQLite would
+  // take for an empty database (a Jet file cut to its first bytes). An empty file is
+  // one being made.
+  if (motor_ == Motor::Otro && std::filesystem::file_size(ruta, ec) > 0) throw errorDanado(ruta);
   copia_.reset();
 
   sqlite3* db = nullptr;

@@ -398,6 +398,9 @@ class Tabla {
   std::unordered_map<std::string, Sentencia> sentencias_;  // prepared once per SQL text
 };
 
+// A name as an SQL identifier, between double quotes.
+std::string comillaIdentificador(std::string_view nombre);
+
 // The SQL that creates a table and its indices, as `Almacen::crea` runs it.
 std::vector<std::string> sqlDeCreacion(const DefTabla& tabla);
 

@@ -237,30 +237,28 @@ void ejecutaSql(sqlite3* db, const std::string& sql) {
   }
 }
 
-std::string comilla(std::string_view nombre) {
-  std::string r = "\"";
-  for (char c : nombre) {
-    if (c == '"') r += '"';
-    r += c;
-  }
-  return r + "\"";
-}
-
 struct IndiceRecibido {
   std::string nombre;
   std::vector<std::pair<std::uint32_t, bool>> claves;  // column, descending
 };
 
+// The core names tables and columns in Windows-1252: a name with no form in it is a
+// broken one, and the table that holds it could not be reached.
+std::string nombreLegible(std::string_view nombre) {
+  if (!esRepresentableCp1252(nombre)) throw Rotura{"un nombre ilegible: " + std::string(nombre)};
+  return std::string(nombre);
+}
+
 // One table being filled: its definition, its insert, its rows.
 class TablaEnCopia {
  public:
   TablaEnCopia(sqlite3* db, Cuerpo& c) : db_(db) {
-    def_.nombre = std::string(c.texto());
+    def_.nombre = nombreLegible(c.texto());
     const std::uint32_t n = c.entero();
     if (n == 0 || n > 4096) throw Rotura{"una tabla sin columnas"};
     for (std::uint32_t i = 0; i < n; ++i) {
       DefColumna col;
-      col.nombre = std::string(c.texto());
+      col.nombre = nombreLegible(c.texto());
       const auto clase = static_cast<Clase>(c.byte());
       col.tipo = clase == Clase::Numero ? TipoColumna::Doble
                  : clase == Clase::Fecha ? TipoColumna::Fecha
@@ -281,7 +279,7 @@ class TablaEnCopia {
       indices_.push_back(std::move(x));
     }
     ejecutaSql(db_, sqlDeCreacion(def_).front());
-    std::string sql = "INSERT INTO " + comilla(def_.nombre) + " VALUES (";
+    std::string sql = "INSERT INTO " + comillaIdentificador(def_.nombre) + " VALUES (";
     for (std::uint32_t i = 0; i < n; ++i) sql += i ? ", ?" : "?";
     sql += ")";
     if (sqlite3_prepare_v2(db_, sql.c_str(), -1, &insercion_, nullptr) != SQLITE_OK)
@@ -333,13 +331,13 @@ class TablaEnCopia {
       for (const auto& [col, desc] : x.claves) {
         const DefColumna& d = def_.columnas[col];
         if (!claves.empty()) claves += ", ";
-        claves += comilla(d.nombre);
+        claves += comillaIdentificador(d.nombre);
         if (d.tipo == TipoColumna::Texto) claves += " COLLATE ESPANOL";
         if (desc) claves += " DESC";
       }
       // Not UNIQUE: the copy is only read, and Jet's own order may tell apart two keys
       // that ESPANOL takes as equal.
-      ejecutaSql(db_, "CREATE INDEX " + comilla(nombre) + " ON " + comilla(def_.nombre) + " (" + claves + ")");
+      ejecutaSql(db_, "CREATE INDEX " + comillaIdentificador(nombre) + " ON " + comillaIdentificador(def_.nombre) + " (" + claves + ")");
     }
   }
 

@@ -7,19 +7,20 @@
 #include <glib.h>
 // libmdb's header opens an extern "C" block around glib's headers; glib is already in.
 #include <mdbtools.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cmath>
 #include <cstdint>
+#include <cstdio>
 #include <cstring>
 #include <string>
 #include <vector>
 
 #include "stores/jet.h"
 #include "stores/jet_protocolo.h"
-#include "stores/texto.h"
+#include "stores/jet_valores.h"
 
 namespace valdor::jet {
 
@@ -30,7 +31,6 @@ struct Roto {
   std::string detalle;
 };
 
-constexpr std::size_t TAMANOPAGINA = MDB_PGSIZE;
 constexpr std::size_t LIMITEMEMO = 64u << 20;  // far above any text of a payroll store
 
 class Salida {
@@ -78,139 +78,18 @@ class Salida {
   Escritura e_;
 };
 
-std::uint32_t leU32(const unsigned char* p) {
-  return static_cast<std::uint32_t>(p[0]) | static_cast<std::uint32_t>(p[1]) << 8 |
-         static_cast<std::uint32_t>(p[2]) << 16 | static_cast<std::uint32_t>(p[3]) << 24;
-}
-
-std::uint64_t leU64(const unsigned char* p) {
-  return static_cast<std::uint64_t>(leU32(p)) | static_cast<std::uint64_t>(leU32(p + 4)) << 32;
-}
-
-// ---- Text -------------------------------------------------------------------------------
-
-void anadeUtf8(std::string& r, char32_t c) {
-  if (c < 0x80) {
-    r += static_cast<char>(c);
-  } else if (c < 0x800) {
-    r += static_cast<char>(0xC0 | (c >> 6));
-    r += static_cast<char>(0x80 | (c & 0x3F));
-  } else if (c < 0x10000) {
-    r += static_cast<char>(0xE0 | (c >> 12));
-    r += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    r += static_cast<char>(0x80 | (c & 0x3F));
-  } else {
-    r += static_cast<char>(0xF0 | (c >> 18));
-    r += static_cast<char>(0x80 | ((c >> 12) & 0x3F));
-    r += static_cast<char>(0x80 | ((c >> 6) & 0x3F));
-    r += static_cast<char>(0x80 | (c & 0x3F));
-  }
-}
-
-// UTF-16 units to UTF-8; a lone surrogate becomes U+FFFD (and '?' in the core's text).
-std::string utf16AUtf8(const std::vector<char16_t>& u) {
-  std::string r;
-  r.reserve(u.size());
-  for (std::size_t i = 0; i < u.size(); ++i) {
-    const char32_t c = u[i];
-    if (c >= 0xD800 && c <= 0xDBFF && i + 1 < u.size() && u[i + 1] >= 0xDC00 && u[i + 1] <= 0xDFFF) {
-      anadeUtf8(r, 0x10000 + ((c - 0xD800) << 10) + (u[i + 1] - 0xDC00));
-      ++i;
-    } else if (c >= 0xD800 && c <= 0xDFFF) {
-      anadeUtf8(r, 0xFFFD);
-    } else {
-      anadeUtf8(r, c);
-    }
-  }
-  return r;
-}
-
-// A text value as stored: Jet 4 keeps UCS-2, or, when it starts with FF FE, its
-// compressed form, where runs of one byte per character (the high byte 0) and runs of
-// two bytes per character follow each other, a 0 byte switching between them. Jet 3
-// keeps the bytes of the database's code page, Windows-1252 for a Spanish office.
-std::string textoJet(bool jet4, const unsigned char* p, std::size_t n) {
-  if (!jet4) return cp1252AUtf8(std::string_view(reinterpret_cast<const char*>(p), n));
-  std::vector<char16_t> u;
-  u.reserve(n);
-  if (n >= 2 && p[0] == 0xFF && p[1] == 0xFE) {
-    bool comprimido = true;
-    for (std::size_t i = 2; i < n;) {
-      if (p[i] == 0) {
-        comprimido = !comprimido;
-        ++i;
-      } else if (comprimido) {
-        u.push_back(p[i]);
-        ++i;
-      } else if (i + 1 < n) {
-        u.push_back(static_cast<char16_t>(p[i] | p[i + 1] << 8));
-        i += 2;
-      } else {
-        break;
-      }
-    }
-  } else {
-    for (std::size_t i = 0; i + 1 < n; i += 2) u.push_back(static_cast<char16_t>(p[i] | p[i + 1] << 8));
-  }
-  return utf16AUtf8(u);
-}
-
-// ---- Dates --------------------------------------------------------------------------
-
-// A Jet Date/Time: days since 30/12/1899, the fraction the time of day (for days
-// before that one, the fraction still counts forward). ISO text, with the time only
-// when there is one.
-std::string fechaJet(double valor) {
-  if (!std::isfinite(valor) || valor < -657434.0 || valor >= 2958466.0)
-    throw Roto{"una fecha fuera del calendario de Jet"};
-  const double entero = std::trunc(valor);
-  long long segundos = std::llround(std::fabs(valor - entero) * 86400.0);
-  long long dias = static_cast<long long>(entero) - 25569;  // days from 01/01/1970
-  if (segundos >= 86400) {
-    segundos -= 86400;
-    dias += valor < 0 ? -1 : 1;
-  }
-  // Civil date of a day number (proleptic Gregorian calendar).
-  const long long z = dias + 719468;
-  const long long era = (z >= 0 ? z : z - 146096) / 146097;
-  const long long doe = z - era * 146097;
-  const long long yoe = (doe - doe / 1460 + doe / 36524 - doe / 146096) / 365;
-  const long long doy = doe - (365 * yoe + yoe / 4 - yoe / 100);
-  const long long mp = (5 * doy + 2) / 153;
-  const long long d = doy - (153 * mp + 2) / 5 + 1;
-  const long long m = mp < 10 ? mp + 3 : mp - 9;
-  const long long a = yoe + era * 400 + (m <= 2 ? 1 : 0);
-  const int hora = static_cast<int>(segundos / 3600), minuto = static_cast<int>(segundos / 60 % 60),
-            segundo = static_cast<int>(segundos % 60);
-  char texto[64];
-  if (segundos == 0) {
-    std::snprintf(texto, sizeof texto, "%04d-%02d-%02d", static_cast<int>(a), static_cast<int>(m), static_cast<int>(d));
-  } else {
-    std::snprintf(texto, sizeof texto, "%04d-%02d-%02d %02d:%02d:%02d", static_cast<int>(a), static_cast<int>(m),
-                  static_cast<int>(d), hora, minuto, segundo);
-  }
-  return texto;
-}
-
-// ---- Decimal ------------------------------------------------------------------------
-
-// A Decimal: a sign byte, then a 96-bit magnitude kept as four 32-bit words, the most
-// significant first, each in little-endian order; the column's scale places the point.
-double decimalJet(const unsigned char* p, int escala) {
-  unsigned __int128 v = 0;
-  for (int palabra = 0; palabra < 4; ++palabra) v = v << 32 | leU32(p + 1 + 4 * palabra);
-  // The digits from the last, the point after `escala` of them, then the sign.
-  std::string alReves;
-  const int cifrasDecimales = std::clamp(escala, 0, 38);
-  for (int i = 0; v != 0 || i <= cifrasDecimales; ++i) {
-    if (i == cifrasDecimales && i > 0) alReves += '.';
-    alReves += static_cast<char>('0' + static_cast<int>(v % 10));
-    v /= 10;
-  }
-  if (p[0] & 0x80) alReves += '-';
-  const std::string texto(alReves.rbegin(), alReves.rend());
-  return std::strtod(texto.c_str(), nullptr);
-}
+// What the reading of one file knows once: libmdb's handle, the format, and how many
+// whole pages the file holds. libmdb reads the page just past the end, and the rest of a
+// last page cut short, as zeros, and takes them for pages of the file: a table whose
+// pages are gone would read as empty. So every page a table or a Memo names is checked
+// against the file's length first.
+struct Lectura {
+  MdbHandle* mdb = nullptr;
+  bool jet4 = true;
+  std::uint64_t paginas = 0;
+  bool enElFichero(std::uint64_t pagina) const { return pagina < paginas; }
+  std::size_t tamanoPagina() const { return static_cast<std::size_t>(mdb->fmt->pg_size); }
+};
 
 // ---- Columns ------------------------------------------------------------------------
 
@@ -257,7 +136,7 @@ std::vector<Columna> columnasLegibles(MdbTableDef* t, bool jet4) {
 
 // The bytes of a Memo: kept in the row itself, in one row of a long-value page, or in
 // a chain of such rows, each with the address of the next.
-std::string bytesMemo(MdbHandle* mdb, const unsigned char* campo, std::size_t n) {
+std::string bytesMemo(const Lectura& l, const unsigned char* campo, std::size_t n) {
   if (n < MDB_MEMO_OVERHEAD) throw Roto{"un campo Memo sin cabecera"};
   const std::uint32_t cabecera = leU32(campo);
   const std::size_t largo = cabecera & 0x3FFFFFFF;
@@ -273,9 +152,10 @@ std::string bytesMemo(MdbHandle* mdb, const unsigned char* campo, std::size_t n)
     void* buf = nullptr;
     int inicio = 0;
     size_t tam = 0;
-    if (direccion == 0 || mdb_find_pg_row(mdb, static_cast<int>(direccion), &buf, &inicio, &tam) != 0)
+    if (direccion == 0 || !l.enElFichero(direccion >> 8) ||
+        mdb_find_pg_row(l.mdb, static_cast<int>(direccion), &buf, &inicio, &tam) != 0)
       throw Roto{"un campo Memo que apunta fuera del fichero"};
-    if (inicio < 0 || static_cast<std::size_t>(inicio) + tam > TAMANOPAGINA)
+    if (inicio < 0 || static_cast<std::size_t>(inicio) + tam > l.tamanoPagina())
       throw Roto{"un campo Memo que sale de su página"};
     const auto* p = static_cast<const unsigned char*>(buf) + inicio;
     if (unaPagina) {
@@ -291,7 +171,7 @@ std::string bytesMemo(MdbHandle* mdb, const unsigned char* campo, std::size_t n)
 }
 
 // One value of a row, appended to the message.
-void escribeValor(MdbHandle* mdb, bool jet4, const Columna& c, const MdbField& f, Escritura& e) {
+void escribeValor(const Lectura& l, const Columna& c, const MdbField& f, Escritura& e) {
   const int tipo = c.mdb->col_type;
   if (tipo == MDB_BOOL) {
     // Jet keeps a Yes/No in the row's null mask: set is Yes (-1), clear is No (0).
@@ -303,9 +183,10 @@ void escribeValor(MdbHandle* mdb, bool jet4, const Columna& c, const MdbField& f
     e.byte(static_cast<std::uint8_t>(Marca::Nulo));
     return;
   }
-  if (f.start < 0 || f.siz < 0 || static_cast<std::size_t>(f.start) + static_cast<std::size_t>(f.siz) > TAMANOPAGINA)
+  if (f.start < 0 || f.siz < 0 ||
+      static_cast<std::size_t>(f.start) + static_cast<std::size_t>(f.siz) > l.tamanoPagina())
     throw Roto{"un valor que sale de su página"};
-  const unsigned char* p = mdb->pg_buf + f.start;
+  const unsigned char* p = l.mdb->pg_buf + f.start;
   const std::size_t n = static_cast<std::size_t>(f.siz);
   auto exige = [&](std::size_t minimo) {
     if (n < minimo) throw Roto{"un valor más corto que su tipo"};
@@ -314,55 +195,32 @@ void escribeValor(MdbHandle* mdb, bool jet4, const Columna& c, const MdbField& f
     e.byte(static_cast<std::uint8_t>(Marca::Numero));
     e.numero(d);
   };
+  auto texto = [&](const std::string& t) {
+    e.byte(static_cast<std::uint8_t>(Marca::Texto));
+    e.texto(t);
+  };
   switch (tipo) {
     case MDB_BYTE: exige(1); numero(p[0]); return;
     case MDB_INT: exige(2); numero(static_cast<std::int16_t>(p[0] | p[1] << 8)); return;
     case MDB_LONGINT: exige(4); numero(static_cast<std::int32_t>(leU32(p))); return;
-    case MDB_MONEY:
-      // Currency: a 64-bit count of ten-thousandths; the division is exact to the
-      // nearest double, as the decimal text of the amount would read.
-      exige(8);
-      numero(static_cast<double>(static_cast<std::int64_t>(leU64(p))) / 10000.0);
-      return;
-    case MDB_FLOAT: {
-      exige(4);
-      float v;
-      const std::uint32_t b = leU32(p);
-      std::memcpy(&v, &b, sizeof v);
-      numero(v);
-      return;
-    }
-    case MDB_DOUBLE: {
-      exige(8);
-      double v;
-      const std::uint64_t b = leU64(p);
-      std::memcpy(&v, &b, sizeof v);
-      numero(v);
-      return;
-    }
+    case MDB_MONEY: exige(8); numero(monedaJet(p)); return;
+    case MDB_FLOAT: exige(4); numero(simpleJet(p)); return;
+    case MDB_DOUBLE: exige(8); numero(dobleJet(p)); return;
     case MDB_NUMERIC: exige(17); numero(decimalJet(p, c.mdb->col_scale)); return;
     case MDB_DATETIME: {
       exige(8);
-      double v;
-      const std::uint64_t b = leU64(p);
-      std::memcpy(&v, &b, sizeof v);
-      e.byte(static_cast<std::uint8_t>(Marca::Texto));
-      e.texto(fechaJet(v));
+      const auto fecha = fechaJet(dobleJet(p));
+      if (!fecha) throw Roto{"una fecha fuera del calendario de Jet"};
+      texto(*fecha);
       return;
     }
-    case MDB_TEXT:
-      e.byte(static_cast<std::uint8_t>(Marca::Texto));
-      e.texto(textoJet(jet4, p, n));
-      return;
+    case MDB_TEXT: texto(textoJet(l.jet4, p, n)); return;
     case MDB_MEMO: {
-      const std::string b = bytesMemo(mdb, p, n);
-      e.byte(static_cast<std::uint8_t>(Marca::Texto));
-      e.texto(textoJet(jet4, reinterpret_cast<const unsigned char*>(b.data()), b.size()));
+      const std::string b = bytesMemo(l, p, n);
+      texto(textoJet(l.jet4, reinterpret_cast<const unsigned char*>(b.data()), b.size()));
       return;
     }
-    default:
-      e.byte(static_cast<std::uint8_t>(Marca::Nulo));
-      return;
+    default: e.byte(static_cast<std::uint8_t>(Marca::Nulo)); return;
   }
 }
 
@@ -409,17 +267,45 @@ void escribeDefinicion(MdbTableDef* t, const std::vector<Columna>& cols, Salida&
   s.termina();
 }
 
+// libmdb walks a table's data pages by its usage map, a row of another page that the
+// table's definition points to. The map lists the pages itself, or lists pages that
+// hold the lists (a map of kind 1). A table without a map brings libmdb down; a map it
+// cannot walk sends it through every page of the file instead; and a map, or a page it
+// lists, that is not in the file ends the walk as if the table ended there, its rows
+// lost without a word; a map whose page numbers overflow sends it round the same page
+// for ever. So the map and every page it lists are looked at first.
+void exigeMapaDeUso(const Lectura& l, MdbTableDef* t) {
+  MdbHandle* mdb = l.mdb;
+  const std::string falta = std::string("a la tabla ") + t->name + " le faltan páginas del fichero";
+  if (!t->usage_map) throw Roto{falta};
+  if (mdb_read_pg(mdb, t->entry->table_pg) <= 0 ||
+      !l.enElFichero(leU32(mdb->pg_buf + mdb->fmt->tab_usage_map_offset) >> 8))
+    throw Roto{falta};
+  if (t->usage_map[0] == 1)
+    for (std::size_t i = 1; i + 4 <= t->map_sz; i += 4)
+      if (const std::uint32_t lista = leU32(t->usage_map + i); lista != 0 && !l.enElFichero(lista))
+        throw Roto{falta};
+  for (guint32 pagina = 0;;) {
+    const gint32 siguiente = mdb_map_find_next(mdb, t->usage_map, static_cast<unsigned>(t->map_sz), pagina);
+    if (siguiente == 0) return;
+    if (siguiente < 0 || static_cast<guint32>(siguiente) <= pagina)
+      throw Roto{std::string("el mapa de páginas de la tabla ") + t->name + " está dañado"};
+    if (!l.enElFichero(static_cast<std::uint32_t>(siguiente))) throw Roto{falta};
+    pagina = static_cast<guint32>(siguiente);
+  }
+}
+
 // Every row of the table in the order the file keeps them, walking its data pages as
 // the table's usage map lists them. Deleted rows are passed over.
-bool escribeFilas(MdbHandle* mdb, MdbTableDef* t, const std::vector<Columna>& cols, Salida& s) {
-  const bool jet4 = !IS_JET3(mdb);
+bool escribeFilas(const Lectura& l, MdbTableDef* t, const std::vector<Columna>& cols, Salida& s) {
+  MdbHandle* mdb = l.mdb;
   const int rco = mdb->fmt->row_count_offset;
   std::vector<MdbField> campos(t->num_cols);
   std::uint32_t filas = 0;
   mdb_rewind_table(t);
   while (mdb_read_next_dpg(t)) {
     const int n = mdb_get_int16(mdb->pg_buf, rco);
-    if (n < 0 || static_cast<std::size_t>(rco + 2 + 2 * n) > TAMANOPAGINA)
+    if (n < 0 || static_cast<std::size_t>(rco + 2 + 2 * n) > l.tamanoPagina())
       throw Roto{"una página de datos con más filas de las que caben"};
     for (int fila = 0; fila < n; ++fila) {
       int inicio = 0;
@@ -427,13 +313,14 @@ bool escribeFilas(MdbHandle* mdb, MdbTableDef* t, const std::vector<Columna>& co
       if (mdb_find_row(mdb, fila, &inicio, &tam) != 0) throw Roto{"una fila fuera de su página"};
       if (tam == 0 || (inicio & 0x4000)) continue;  // empty slot, or a deleted row
       inicio &= 0x1FFF;
-      if (tam < 2 || static_cast<std::size_t>(inicio) + tam > TAMANOPAGINA) throw Roto{"una fila fuera de su página"};
+      if (tam < 2 || static_cast<std::size_t>(inicio) + tam > l.tamanoPagina())
+        throw Roto{"una fila fuera de su página"};
       if (mdb_crack_row(t, inicio, tam, campos.data()) < 0) throw Roto{"una fila ilegible"};
       Escritura& e = s.empieza(Mensaje::Fila);
       for (const Columna& c : cols) {
         const MdbField& f = campos[c.indice];
         if (f.colnum != static_cast<int>(c.indice)) throw Roto{"una fila sin una de sus columnas"};
-        escribeValor(mdb, jet4, c, f, e);
+        escribeValor(l, c, f, e);
       }
       s.termina();
       ++filas;
@@ -466,9 +353,21 @@ struct LiberaTabla {
   }
 };
 
-void leeTablas(MdbHandle* mdb, const std::vector<std::string>& tablas, Salida& s) {
+void leeTablas(const Lectura& l, const std::vector<std::string>& tablas, Salida& s) {
+  MdbHandle* mdb = l.mdb;
+  // The catalogue is the table MSysObjects, defined at page 2, which mdb_read_catalog
+  // walks with no look at its usage map: the map is checked here first.
+  MdbCatalogEntry catalogo{};
+  catalogo.mdb = mdb;
+  catalogo.object_type = MDB_TABLE;
+  catalogo.table_pg = 2;
+  std::snprintf(catalogo.object_name, sizeof catalogo.object_name, "MSysObjects");
+  {
+    LiberaTabla t{mdb_read_table(&catalogo)};
+    if (!t.t) throw Roto{"el catálogo no se puede leer"};
+    exigeMapaDeUso(l, t.t);
+  }
   if (!mdb_read_catalog(mdb, MDB_TABLE)) throw Roto{"el catálogo no se puede leer"};
-  const bool jet4 = !IS_JET3(mdb);
   for (unsigned i = 0; i < mdb->num_catalog; ++i) {
     auto* entrada = static_cast<MdbCatalogEntry*>(g_ptr_array_index(mdb->catalog, i));
     if (entrada->object_type != MDB_TABLE || !mdb_is_user_table(entrada)) continue;
@@ -478,9 +377,10 @@ void leeTablas(MdbHandle* mdb, const std::vector<std::string>& tablas, Salida& s
     if (!mdb_read_columns(t.t) || t.t->num_cols == 0 || t.t->num_cols > MDB_MAX_COLS)
       throw Roto{std::string("las columnas de la tabla ") + entrada->object_name + " no se pueden leer"};
     mdb_read_indices(t.t);
-    const std::vector<Columna> cols = columnasLegibles(t.t, jet4);
+    exigeMapaDeUso(l, t.t);
+    const std::vector<Columna> cols = columnasLegibles(t.t, l.jet4);
     escribeDefinicion(t.t, cols, s);
-    if (!escribeFilas(mdb, t.t, cols, s)) return;
+    if (!escribeFilas(l, t.t, cols, s)) return;
   }
 }
 
@@ -491,7 +391,13 @@ int escribeFlujoJet(const char* ruta, const std::vector<std::string>& tablas, in
   try {
     CierraMdb mdb{mdb_open(ruta, MDB_NOFLAGS)};
     if (!mdb.mdb) throw Roto{"no se puede abrir como base de datos Jet"};
-    leeTablas(mdb.mdb, tablas, s);
+    // Jet writes whole pages: a file that ends inside one was cut short.
+    struct stat fichero{};
+    if (::fstat(::fileno(mdb.mdb->f->stream), &fichero) != 0 || fichero.st_size % mdb.mdb->fmt->pg_size != 0)
+      throw Roto{"el fichero no acaba en una página entera: está cortado"};
+    const Lectura l{mdb.mdb, !IS_JET3(mdb.mdb),
+                    static_cast<std::uint64_t>(fichero.st_size) / static_cast<std::uint64_t>(mdb.mdb->fmt->pg_size)};
+    leeTablas(l, tablas, s);
     s.empieza(Mensaje::Fin);
     s.termina();
   } catch (const Roto& r) {
