@@ -19,6 +19,7 @@
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/frmmain.h"
 #include "shell/programa.h"
+#include "stores/texto.h"
 
 namespace fs = std::filesystem;
 using namespace valdor;
@@ -99,6 +100,21 @@ Llamada leeLlamada(const QStringList& argumentos) {
   return llamada;
 }
 
+// The start of the main window. A start that cannot go on (another run holds the work
+// folder) is told in a box and on the error output, and the program ends.
+bool cargaVentana(frmMain& ventana) {
+  try {
+    ventana.carga();
+    return true;
+  } catch (const std::exception& e) {
+    const QString texto = QString::fromStdString(cp1252AUtf8(e.what()));
+    std::cerr << texto.toStdString() << '\n';
+    if (QGuiApplication::platformName() != QLatin1String("offscreen"))
+      QMessageBox::critical(nullptr, QStringLiteral("VALDOR+"), texto);
+    return false;
+  }
+}
+
 // A picture of the window with the wizard prepared for a contribution. Any box that
 // the start brings up is closed as soon as it shows, so that nothing waits for a user.
 int captura(QApplication& aplicacion, frmMain& ventana, const QString& fichero) {
@@ -108,7 +124,7 @@ int captura(QApplication& aplicacion, frmMain& ventana, const QString& fichero) 
   });
   cierraCuadros.start(200);
   ventana.show();
-  ventana.carga();
+  if (!cargaVentana(ventana)) return SALIDAFALLO;
   ventana.pulsaBarraLista(QStringLiteral("cotiza"));
   int salida = SALIDABIEN;
   QTimer::singleShot(500, &ventana, [&] {
@@ -151,6 +167,6 @@ int main(int argc, char** argv) {
 
   if (llamada.captura) return captura(aplicacion, ventana, *llamada.captura);
   ventana.show();
-  ventana.carga();
+  if (!cargaVentana(ventana)) return SALIDAFALLO;
   return aplicacion.exec();
 }

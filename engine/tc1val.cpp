@@ -26,8 +26,8 @@ EmpleadorBoletin empleadorDe(const BOLETIN& b) {
 
 namespace {
 
-// An amount of the statement in whole cents, 11 characters; a figure that does not fit
-// drops out of its line.
+// An amount of the statement in whole cents, 11 characters. A figure that does not fit
+// (or is no finite number) drops out, and the FAN writer refuses the short line.
 std::string importe11(std::string_view texto) { return CAMPONUM(recorta(texto), 11, "0", true).value_or(""); }
 
 // A rate cut at the decimal separator: the whole part with "0" on the left up to 3 and
@@ -218,7 +218,7 @@ void TC1VAL::todasLasEmpresas() {
       ponFila(f);
     }
   } catch (const ErrorAlmacen& e) {
-    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Exclamacion);
+    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
     return;
   }
   if (ultima.empty()) return;

@@ -15,15 +15,12 @@ namespace valdor {
 
 namespace {
 
-constexpr std::size_t LARGOLINEA = 70;
 constexpr double BYTESPORREGISTRO = 72;  // 70 characters and CR LF
-
-std::string registro70(std::string_view linea) { return izquierda(linea, LARGOLINEA); }
 
 std::string campo(const std::optional<std::string>& c) { return c.value_or(""); }
 
 // A total as the file writes it: cents, 11 characters, zeros on the left.
-std::string importe11(double total) { return campo(CAMPONUM(textoGeneral(total), 11, "0", true)); }
+std::string importe11(double total) { return campoDeLinea("un total de la empresa", total, 11, "0", true); }
 
 std::string lineaEDTBA(std::string_view nombre, double total) {
   return std::string(nombre) + importe11(total) + " " + std::string(19, '0') + std::string(29, ' ');
@@ -77,7 +74,7 @@ const std::array<std::string_view, 20>& tiposDeLinea() {
 std::vector<std::string> bloqueTrabajador(const std::vector<std::pair<std::string, std::string>>& lineasPorTipo,
                                           EstadoBloques& estado, TotalesEmpresa& t) {
   std::vector<std::string> salida;
-  auto imprime = [&](std::string_view linea) { salida.push_back(registro70(linea)); };
+  auto imprime = [&](std::string_view linea) { salida.emplace_back(linea); };
   // A held-back ED1 comes out just before the first EDE, EDA or EDM, of this worker or
   // of a later one.
   auto sueltaRetenida = [&] {
@@ -187,6 +184,75 @@ std::vector<std::pair<std::string, std::string>> lineasDe(Almacen& temporal, con
 
 }  // namespace
 
+namespace {
+
+// Where a line of the file comes from, for the message of a line that is not whole.
+std::string deLaEmpresa(std::string_view que, std::string_view empresa) {
+  return std::string(que) + " de la empresa " + recorta(empresa);
+}
+
+std::string delTrabajador(std::string_view linea, std::string_view trabajador, std::string_view empresa) {
+  return deLaEmpresa(izquierda(linea, 3) + " del trabajador " + recorta(trabajador), empresa);
+}
+
+// The file of the marked companies, under its temporary name; `confirma` is left to
+// the caller, once it knows that nothing failed.
+void escribeFAN(Programa& programa, PaginaIntercambio& pagina, COTIZACION& sel, MotorCotizacion& motor,
+                FicheroRegistros& fichero) {
+  Globales& g = programa.g;
+  Almacenes& a = programa.almacenes;
+  Dialogos& dialogos = programa.dialogos();
+  int marcadas = 0;
+  for (const FilaEmpresa& f : sel.grid) marcadas += f.marcada ? 1 : 0;
+
+  fichero.imprimeRegistro(g.LINEAETI, "ETI, la cabecera del fichero,");
+  sel.CUENTAEMPRESAS = 0;
+  EstadoBloques estado;
+  int hechas = 0;
+  LecturaContinua lecturaTemporal(a.temporal), lecturaEmpresas(a.empresas);
+  // Whatever the companies' TC1 runs kept open is let go when the file is done.
+  struct FinTC1 {
+    MotorCotizacion& motor;
+    Programa& programa;
+    ~FinTC1() { motor.terminaTC1(programa); }
+  } finTC1{motor, programa};
+  for (FilaEmpresa& fila : sel.grid) {
+    if (!fila.marcada) continue;
+    dialogos.progreso(marcadas ? 100 * hechas++ / marcadas : 0, "Generando fichero:", fila.BNOMBRE);
+    const std::string CODEMPRESA = fila.BSSE;
+    if (valorNumerico(CODEMPRESA) == 0) continue;
+    LINEAEMP(a.ESA, sel, fila, g.TEXTOPLANO);
+    fichero.imprimeRegistro(fila.lineaEMP, deLaEmpresa("EMP", CODEMPRESA));
+    fichero.imprimeRegistro(fila.lineaRZS, deLaEmpresa("RZS", CODEMPRESA));
+
+    TotalesEmpresa totales;
+    for (const std::string& trabajador : trabajadoresDe(a.temporal, CODEMPRESA))
+      for (const std::string& linea : bloqueTrabajador(lineasDe(a.temporal, CODEMPRESA, trabajador), estado, totales))
+        fichero.imprimeRegistro(linea, delTrabajador(linea, trabajador, CODEMPRESA));
+    fichero.imprimeRegistro(lineaTCT00(sel.CLAVEEMPRESA, totales.trabajadores), deLaEmpresa("TCT", CODEMPRESA));
+    for (const std::string& linea : lineasEDT(totales))
+      fichero.imprimeRegistro(linea, deLaEmpresa("EDT de totales", CODEMPRESA));
+
+    // Entries 1 to 18 are cleared before the TC1 run; entry 19 is not, and a line
+    // left there by the company before is printed again unless the run replaces it.
+    for (int i = 1; i <= 18; ++i) g.LINEASTC1[static_cast<std::size_t>(i)].clear();
+    motor.TC1VAL(programa, sel, pagina, CODEMPRESA);
+    for (int i = 1; i <= 19; ++i) {
+      const std::string& linea = g.LINEASTC1[static_cast<std::size_t>(i)];
+      if (!recorta(linea).empty()) fichero.imprimeRegistro(linea, deLaEmpresa(izquierda(linea, 3) + " del TC1", CODEMPRESA));
+    }
+  }
+  REGINTERCAMBIO registro = registroEnBlanco();
+  {
+    FicheroAjustes ajustes(programa.carpetas().trabajo);
+    ajustes.lee(registro);
+  }
+  fichero.imprimeRegistro(lineaPieFAN(pagina, registro, sel.CUENTAEMPRESAS, fichero.longitud()),
+                          "ETF, el pie del fichero,");
+}
+
+}  // namespace
+
 std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina, COTIZACION& sel,
                                    MotorCotizacion& motor) {
   Globales& g = programa.g;
@@ -198,66 +264,20 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
   g.MESPROCESO = a.MESPERIODO;
   g.ANOPROCESO = a.ANOPERIODO;
 
-  motor.COTVAL(programa, sel);
-
-  const auto destino = destinoIntercambio(programa, rutaFicheroFAN(g.RUTAWS, pagina));
-  if (!destino) return std::nullopt;
-  g.FICHEROEDITADO = g.FICHEROSALIDA;
-
-  int marcadas = 0;
-  for (const FilaEmpresa& f : sel.grid) marcadas += f.marcada ? 1 : 0;
-
+  // The file takes its final name only when nothing failed on the way: a store that
+  // could not be read (even one a rule read as empty), a line that is not whole, an
+  // error shown. Otherwise no file, and an old one of that name stays as it was.
+  const MarcaTrabajo inicio = programa.marca();
   try {
+    motor.COTVAL(programa, sel);
+    const auto destino = destinoIntercambio(programa, rutaFicheroFAN(g.RUTAWS, pagina));
+    if (!destino) return std::nullopt;
+    g.FICHEROEDITADO = g.FICHEROSALIDA;
     FicheroRegistros fichero(*destino);
-    fichero.imprime(registro70(g.LINEAETI));
-    sel.CUENTAEMPRESAS = 0;
-    EstadoBloques estado;
-    int hechas = 0;
-    LecturaContinua lecturaTemporal(a.temporal), lecturaEmpresas(a.empresas);
-    // Whatever the companies' TC1 runs kept open is let go when the file is done.
-    struct FinTC1 {
-      MotorCotizacion& motor;
-      Programa& programa;
-      ~FinTC1() { motor.terminaTC1(programa); }
-    } finTC1{motor, programa};
-    for (FilaEmpresa& fila : sel.grid) {
-      if (!fila.marcada) continue;
-      dialogos.progreso(marcadas ? 100 * hechas++ / marcadas : 0, "Generando fichero:", fila.BNOMBRE);
-      const std::string CODEMPRESA = fila.BSSE;
-      if (valorNumerico(CODEMPRESA) == 0) continue;
-      LINEAEMP(a.ESA, sel, fila, g.TEXTOPLANO);
-      fichero.imprime(registro70(fila.lineaEMP));
-      fichero.imprime(registro70(fila.lineaRZS));
-
-      TotalesEmpresa totales;
-      try {
-        for (const std::string& trabajador : trabajadoresDe(a.temporal, CODEMPRESA))
-          for (const std::string& linea : bloqueTrabajador(lineasDe(a.temporal, CODEMPRESA, trabajador), estado, totales))
-            fichero.imprime(linea);
-      } catch (const ErrorAlmacen& e) {
-        // The company's worker lines stop here; the file goes on, and the user hears why.
-        dialogos.mensaje(tituloValdor(), e.what(), Icono::Exclamacion);
-      }
-      fichero.imprime(registro70(lineaTCT00(sel.CLAVEEMPRESA, totales.trabajadores)));
-      for (const std::string& linea : lineasEDT(totales)) fichero.imprime(registro70(linea));
-
-      // Entries 1 to 18 are cleared before the TC1 run; entry 19 is not, and a line
-      // left there by the company before is printed again unless the run replaces it.
-      for (int i = 1; i <= 18; ++i) g.LINEASTC1[static_cast<std::size_t>(i)].clear();
-      motor.TC1VAL(programa, sel, pagina, CODEMPRESA);
-      for (int i = 1; i <= 19; ++i) {
-        const std::string& linea = g.LINEASTC1[static_cast<std::size_t>(i)];
-        if (!recorta(linea).empty()) fichero.imprime(registro70(linea));
-      }
-    }
-    REGINTERCAMBIO registro = registroEnBlanco();
-    {
-      FicheroAjustes ajustes(programa.carpetas().trabajo);
-      ajustes.lee(registro);
-    }
-    fichero.imprime(registro70(lineaPieFAN(pagina, registro, sel.CUENTAEMPRESAS, fichero.longitud())));
+    escribeFAN(programa, pagina, sel, motor, fichero);
+    if (const auto motivo = programa.motivoDeFallo(inicio)) throw ErrorFichero(*motivo);
     fichero.confirma();
-  } catch (const ErrorFichero& e) {
+  } catch (const ErrorValdor& e) {
     dialogos.mensaje(tituloValdor(), e.what(), Icono::Critico);
     return std::nullopt;
   }

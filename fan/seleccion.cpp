@@ -20,8 +20,10 @@ std::vector<EmpresaDelMes> empresasDelMes(Almacenes& almacenes, int mes, int ano
           "GROUP BY BSSE, BNOMBRE ORDER BY BNOMBRE COLLATE ESPANOL");
       while (q.siguiente())
         lista.push_back({q.texto("BNOMBRE"), q.texto("BSSE"), static_cast<int>(q.numero("CuentaDeBMATRI"))});
-    } catch (const ErrorAlmacen&) {
-      // A failing query leaves the list empty and says nothing, as the selection does.
+    } catch (const ErrorAlmacen& e) {
+      // A month store that cannot be read gives no list, and the user hears why: an empty
+      // list would read as a month with no payroll.
+      almacenes.avisa(e);
       lista.clear();
     }
   }

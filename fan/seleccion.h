@@ -25,7 +25,7 @@ struct EmpresaDelMes {
 // unknown month gets an empty store), opens it, reads the grouped list of the
 // companies whose rows are not marked "N" in BCONT, in name order, and closes the
 // store again. A month store that fails to open, or a failing query, gives an empty
-// list and says nothing.
+// list, and the failure is shown and counted (a month without a store is no failure).
 std::vector<EmpresaDelMes> empresasDelMes(Almacenes& almacenes, int mes, int ano);
 
 // One row of the company list `grid`: column 0 the name, 1 the mark, 2 the code

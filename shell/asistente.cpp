@@ -198,10 +198,9 @@ std::optional<std::filesystem::path> destinoIntercambio(Programa& programa, cons
     return std::nullopt;
   }
   programa.g.FICHEROSALIDA = ruta;
-  const std::filesystem::path destino = rutaNativa(ruta, programa.entornoWine);
-  std::error_code ec;
-  std::filesystem::remove(destino, ec);
-  return destino;
+  // A file already under that name is kept until the new one is whole: the writer puts
+  // the new one over it with a rename.
+  return rutaNativa(ruta, programa.entornoWine);
 }
 
 // ---- fan2 ---------------------------------------------------------------------------------

@@ -131,8 +131,9 @@ std::string rutaFicheroFAN(std::string_view RUTAWS, const PaginaIntercambio& pag
 std::string rutaFicheroAFI(std::string_view RUTAWS, const PaginaIntercambio& pagina);
 
 // The start of a writer: without the tool's route there is no folder to write into, and
-// the user is told so (std::nullopt). Otherwise FICHEROSALIDA := `ruta`, the old file of
-// that name is deleted (a file that is not there is no error), and its native path returned.
+// the user is told so (std::nullopt). Otherwise FICHEROSALIDA := `ruta`, and its native
+// path returned. An old file of that name is left alone: the writer replaces it only
+// with a whole new one.
 std::optional<std::filesystem::path> destinoIntercambio(Programa& programa, const std::string& ruta);
 
 // The "Winsuite" command of the main window: read the settings (holding the lock while

@@ -31,4 +31,30 @@ class Dialogos {
   virtual void puntero(Puntero p) = 0;
 };
 
+// The dialogs of a run, passed through to the screen or the console, with a count of
+// the errors shown (the critical boxes): a job that showed one leaves no file.
+class DialogosContados : public Dialogos {
+ public:
+  explicit DialogosContados(Dialogos& dentro) : dentro_(dentro) {}
+  void mensaje(std::string_view titulo, std::string_view texto, Icono icono) override {
+    if (icono == Icono::Critico) ++errores_;
+    dentro_.mensaje(titulo, texto, icono);
+  }
+  bool pregunta(std::string_view titulo, std::string_view texto, bool noPorDefecto = false) override {
+    return dentro_.pregunta(titulo, texto, noPorDefecto);
+  }
+  std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override {
+    return dentro_.entrada(titulo, texto);
+  }
+  void progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) override {
+    dentro_.progreso(porcentaje, etiqueta1, etiqueta2);
+  }
+  void puntero(Puntero p) override { dentro_.puntero(p); }
+  int errores() const { return errores_; }
+
+ private:
+  Dialogos& dentro_;
+  int errores_ = 0;
+};
+
 }  // namespace valdor

@@ -2,12 +2,13 @@
 
 #include <cstdlib>
 
+#include "stores/literales.h"
 #include "stores/texto.h"
 
 namespace valdor {
 
 Programa::Programa(Carpetas carpetas, Dialogos& dialogos, Separadores sistema, std::optional<Momento> fijo)
-    : almacenes(std::move(carpetas), dialogos), dialogos_(dialogos), sistema_(sistema), ahora_(fijo) {}
+    : dialogos_(dialogos), almacenes(std::move(carpetas), dialogos_), sistema_(sistema), ahora_(fijo) {}
 
 Programa::~Programa() { termina(); }
 
@@ -30,7 +31,34 @@ void Programa::leeAjustes() {
   g.RUTAWS = registro.RUTAWINSUITE;
 }
 
+std::optional<std::string> Programa::motivoDeFallo(MarcaTrabajo inicio) const {
+  const std::string_view noGenerado = "El fichero no se ha generado: "_cp;
+  if (almacenes.fallos().cuenta > inicio.fallos) return std::string(noGenerado) + almacenes.fallos().ultimo;
+  if (const auto cerrados = almacenes.sinAbrir(); !cerrados.empty()) return std::string(noGenerado) + cerrados.front();
+  if (dialogos_.errores() > inicio.errores)
+    return std::string(noGenerado) + std::string("hubo errores mientras se preparaba (vea los mensajes anteriores)."_cp);
+  return std::nullopt;
+}
+
+void Programa::tomaCarpeta() {
+  if (cerrojo_) return;
+  cerrojo_.emplace(carpetas().trabajo);
+  if (!cerrojo_->tomado()) {
+    cerrojo_.reset();
+    throw CarpetaOcupada(std::string("Otra ejecución de VALDOR+ (el programa de escritorio u otra orden de valdor-cli) está "
+                         "usando la carpeta de trabajo "_cp) +
+                         entreComillas(carpetas().trabajo) +
+                         std::string(". Espere a que acabe y vuelva a intentarlo: dos ejecuciones no pueden compartir su "
+                                     "almacén temporal."_cp));
+  }
+  // Nobody else holds the folder: a temp store found in it was left by a run that did
+  // not end (killed, or the machine stopped), and its rows belong to no one.
+  almacenes.CIERRATEMPORAL();
+  almacenes.BORRATEMPORAL();
+}
+
 void Programa::arranca() {
+  tomaCarpeta();
   detectaSeparadores();
 
   // Close before create makes a repeated start safe; create stops quietly on a file
@@ -64,6 +92,7 @@ void Programa::termina() noexcept {
   almacenes.CIERRATIPODOC();
   almacenes.CIERRACUENTAS();
   almacenes.BORRATEMPORAL();
+  cerrojo_.reset();
 }
 
 }  // namespace valdor

@@ -48,7 +48,16 @@ struct Globales {
   std::array<std::string, 26> LINEASTC1;
 };
 
+// Where a job began: the errors shown and the store failures met so far.
+struct MarcaTrabajo {
+  int errores = 0;
+  int fallos = 0;
+};
+
 class Programa {
+  // Before the stores, which report through it.
+  DialogosContados dialogos_;
+
  public:
   // `sistema` are the separators of the machine's regional setting (read once by the
   // caller with separadoresDelSistema, or pinned by a test); `fijo` fixes the moment of
@@ -65,26 +74,42 @@ class Programa {
   EntornoWine entornoWine = entornoWineDelSistema();
 
   Dialogos& dialogos() { return dialogos_; }
+
+  // A job's file is whole only when nothing failed while it ran: `marca` at its start,
+  // `motivoDeFallo` before the file takes its final name. The reason names the failure
+  // (a store that failed, even where a rule read it as empty and went on; a store still
+  // closed since its opening failed; an error shown), or std::nullopt.
+  MarcaTrabajo marca() const { return {dialogos_.errores(), almacenes.fallos().cuenta}; }
+  std::optional<std::string> motivoDeFallo(MarcaTrabajo inicio) const;
   const Carpetas& carpetas() const { return almacenes.carpetas(); }
   const Separadores& separadores() const { return sistema_; }
   Momento ahora() const { return ahora_ ? *ahora_ : momentoActual(); }
 
-  // The start of the main window, before it is shown: the decimal separator, the work
-  // stores and the master stores in their order (close, create, open), the settings
-  // and the sender's name.
+  // The start of the main window, before it is shown: the work folder taken for this
+  // run (a temp store that a run now gone left there is deleted), the decimal
+  // separator, the work stores and the master stores in their order (close, create,
+  // open), the settings and the sender's name. Throws CarpetaOcupada when another run
+  // (the desktop program or the command line) uses the work folder.
   void arranca();
   // The exit: the four work stores closed in their order, then "TEMPORAL VALDOR.MDB"
   // deleted. Harmless twice; also run at the end of the object's life.
   void termina() noexcept;
 
  private:
+  void tomaCarpeta();
   void detectaSeparadores();
   void leeAjustes();
 
-  Dialogos& dialogos_;
   Separadores sistema_;
   std::optional<Momento> ahora_;
   bool arrancado_ = false;
+  std::optional<CerrojoCarpeta> cerrojo_;
+};
+
+// Another run holds the work folder: its temp store is that run's alone.
+class CarpetaOcupada : public ErrorValdor {
+ public:
+  using ErrorValdor::ErrorValdor;
 };
 
 }  // namespace valdor

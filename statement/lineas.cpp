@@ -16,6 +16,8 @@ namespace valdor {
 
 void GUARDATEMPORAL(Almacen& temporal, std::string_view empresa, std::string_view trabajador, std::string_view tipo,
                     std::string_view linea, double& LINEALARGA) {
+  // A line longer than 70 is kept whole, so that the writer of the file refuses it by
+  // its company, worker and kind; the statement window only warns.
   if (linea.size() > 70) LINEALARGA = 1;
   // The key is unique: a second line of the same kind replaces the first.
   Sentencia& s = temporal.preparada(
@@ -24,14 +26,14 @@ void GUARDATEMPORAL(Almacen& temporal, std::string_view empresa, std::string_vie
   s.vincula(1, empresa);
   s.vincula(2, trabajador);
   s.vincula(3, tipo);
-  s.vincula(4, izquierda(linea, 70));
+  s.vincula(4, linea);
   s.paso();
   s.reinicia();
 }
 
 std::string Z(std::string_view numero, std::size_t n) { return llenaIzq(recortaIzq(numero), n, '0'); }
 
-std::string I(double importe) { return CAMPONUM(textoGeneral(importe), 7, "0", true).value_or(""); }
+std::string I(double importe) { return campoDeLinea("un importe", importe, 7, "0", true); }
 
 std::string lineaImporte(std::string_view clave, double importe) {
   return std::string(clave) + I(importe) + " " + std::string(26, '0') + std::string(26, ' ');

@@ -13,8 +13,8 @@ class Programa;
 
 // GUARDATEMPORAL: the line of kind `tipo` of the worker in TMPVALDOR of the temp store:
 // added when the store has no line of that kind for the company and worker, replaced
-// when it has one. The stored column holds 70 characters; a longer line is cut there and
-// `LINEALARGA` is set to 1.
+// when it has one. A line longer than 70 characters is kept whole and `LINEALARGA` is
+// set to 1: the FAN writer refuses it, naming its company, worker and kind.
 void GUARDATEMPORAL(Almacen& temporal, std::string_view empresa, std::string_view trabajador, std::string_view tipo,
                     std::string_view linea, double& LINEALARGA);
 

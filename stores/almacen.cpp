@@ -76,35 +76,40 @@ ErrorAlmacen errorDanado(const std::filesystem::path& ruta, std::string detalle)
 [[noreturn]] void Almacen::falla(int codigo, std::string_view que) const {
   const std::string fichero = entreComillas(ruta_);
   const std::string detalle = db_ ? utf8ACp1252(sqlite3_errmsg(db_)) : utf8ACp1252(sqlite3_errstr(codigo));
-  if (soloLectura_ && (codigo & 0xFF) == SQLITE_READONLY)
-    throw ErrorAlmacen(ErrorAlmacen::Tipo::SoloLectura,
-                       "El fichero " + fichero +
-                           std::string(" es del programa de nóminas (una base de datos Jet): VALDOR+ sólo lo lee y no "
-                           "escribe en él."_cp));
-  switch (codigo & 0xFF) {
-    case SQLITE_BUSY:
-    case SQLITE_LOCKED:
-      throw ErrorAlmacen(ErrorAlmacen::Tipo::Bloqueo,
-                         "El fichero " + fichero + " est\xE1 bloqueado por otro usuario.");
-    case SQLITE_NOTADB:
-    case SQLITE_CORRUPT:
-      throw errorDanado(ruta_, detalle);
-    case SQLITE_FULL:
-      throw ErrorAlmacen(ErrorAlmacen::Tipo::Disco,
-                         "No queda espacio en el disco para escribir en " + fichero + ".");
-    case SQLITE_IOERR:
-    case SQLITE_READONLY:
-    case SQLITE_CANTOPEN:
-    case SQLITE_PERM:
-      throw ErrorAlmacen(ErrorAlmacen::Tipo::Disco,
-                         "No se puede escribir o leer " + fichero + ": " + detalle + ".");
-    case SQLITE_CONSTRAINT:
-      throw ErrorAlmacen(ErrorAlmacen::Tipo::Duplicado,
-                         "Ya existe un registro con la misma clave en " + fichero + " (" +
-                             std::string(que) + ").");
-    default:
-      throw ErrorAlmacen(ErrorAlmacen::Tipo::Otro, std::string(que) + " en " + fichero + ": " + detalle);
-  }
+  auto error = [&]() -> ErrorAlmacen {
+    if (soloLectura_ && (codigo & 0xFF) == SQLITE_READONLY)
+      return ErrorAlmacen(ErrorAlmacen::Tipo::SoloLectura,
+                          "El fichero " + fichero +
+                              std::string(" es del programa de nóminas (una base de datos Jet): VALDOR+ sólo lo lee y "
+                                          "no escribe en él."_cp));
+    switch (codigo & 0xFF) {
+      case SQLITE_BUSY:
+      case SQLITE_LOCKED:
+        return ErrorAlmacen(ErrorAlmacen::Tipo::Bloqueo,
+                            "El fichero " + fichero +
+                                std::string(" está en uso por otro programa (el programa de nóminas u otra "
+                                            "ejecución de VALDOR+), que lo tiene bloqueado. Espere a que acabe, o "
+                                            "ciérrelo, y vuelva a intentarlo."_cp));
+      case SQLITE_NOTADB:
+      case SQLITE_CORRUPT:
+        return errorDanado(ruta_, detalle);
+      case SQLITE_FULL:
+        return ErrorAlmacen(ErrorAlmacen::Tipo::Disco, "No queda espacio en el disco para escribir en " + fichero + ".");
+      case SQLITE_IOERR:
+      case SQLITE_READONLY:
+      case SQLITE_CANTOPEN:
+      case SQLITE_PERM:
+        return ErrorAlmacen(ErrorAlmacen::Tipo::Disco, "No se puede escribir o leer " + fichero + ": " + detalle + ".");
+      case SQLITE_CONSTRAINT:
+        return ErrorAlmacen(ErrorAlmacen::Tipo::Duplicado,
+                            "Ya existe un registro con la misma clave en " + fichero + " (" + std::string(que) + ").");
+      default:
+        return ErrorAlmacen(ErrorAlmacen::Tipo::Otro, std::string(que) + " en " + fichero + ": " + detalle);
+    }
+  }();
+  const bool respuesta = error.tipo() == ErrorAlmacen::Tipo::Duplicado || error.tipo() == ErrorAlmacen::Tipo::SoloLectura;
+  if (registro_ && !respuesta) registro_->anota(error.what());
+  throw error;
 }
 
 bool Almacen::crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas) {

@@ -114,6 +114,18 @@ ErrorAlmacen errorDanado(const std::filesystem::path& ruta, std::string detalle 
 
 // ---- Stores -----------------------------------------------------------------------
 
+// The count of the failures that stores met, and the last one's message: a run keeps
+// one for all its stores, so that a job can tell whether any store failed while it ran,
+// also where a rule reads the failing store as empty and goes on.
+struct RegistroFallos {
+  int cuenta = 0;
+  std::string ultimo;
+  void anota(std::string mensaje) {
+    ++cuenta;
+    ultimo = std::move(mensaje);
+  }
+};
+
 class Consulta;
 class Sentencia;
 class Tabla;
@@ -173,8 +185,13 @@ class Almacen {
   // look again for their place.
   std::uint64_t generacion() const { return generacion_; }
 
-  // The error of the last SQLite call as an ErrorAlmacen naming this store's file.
+  // The error of the last SQLite call as an ErrorAlmacen naming this store's file. A
+  // failure of the store (locked, damaged, unreadable) is counted in the register it is
+  // watched by; a duplicate key or a write refused on a read-only copy are answers of
+  // the rules, and are not.
   [[noreturn]] void falla(int codigo, std::string_view que) const;
+  // The register this store's failures are counted in, or nullptr.
+  void vigila(RegistroFallos* registro) { registro_ = registro; }
 
   sqlite3* conexion() const { return db_; }
   void anotaEscritura() { ++generacion_; }
@@ -200,6 +217,7 @@ class Almacen {
   bool copiaEnUso_ = false;
   std::uint64_t generacion_ = 0;
   std::uint64_t apertura_ = 0;
+  RegistroFallos* registro_ = nullptr;
   std::unordered_map<std::string, std::unique_ptr<Sentencia>> preparadas_;
 };
 

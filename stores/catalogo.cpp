@@ -3,6 +3,7 @@
 #include <system_error>
 
 #include "stores/esquemas.h"
+#include "stores/literales.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
 
@@ -24,7 +25,11 @@ std::string textoAnoPeriodo(int ano) { return izquierda(recortaIzq(std::to_strin
 
 
 Almacenes::Almacenes(Carpetas carpetas, Dialogos& dialogos)
-    : carpetas_(std::move(carpetas)), dialogos_(dialogos) {}
+    : carpetas_(std::move(carpetas)), dialogos_(dialogos) {
+  for (Almacen* a : {&periodo, &convenio, &empresas, &producto, &constant, &bonifica, &desempleo, &temporal,
+                     &acuvaldor, &ilts, &formacion, &tipodoc, &cuentas})
+    a->vigila(&fallos_);
+}
 
 Almacenes::~Almacenes() = default;
 
@@ -36,19 +41,29 @@ std::filesystem::path Almacenes::enPrograma(std::string_view nombre) const {
   return resuelveFichero(carpetas_.programa, nombre);
 }
 
-void Almacenes::informa(const ErrorAlmacen& e, std::string_view mensajeBloqueo, bool alCrear) {
-  switch (e.tipo()) {
-    case ErrorAlmacen::Tipo::Bloqueo:
-      dialogos_.mensaje(TITULOALMACENES, mensajeBloqueo, Icono::Informacion);
-      return;
-    case ErrorAlmacen::Tipo::Danado:
-      // A damaged file is checked, reported and kept as it is.
-      dialogos_.mensaje(TITULOALMACENES, e.what(), Icono::Critico);
-      return;
-    default:
-      dialogos_.mensaje(TITULOALMACENES, std::string(alCrear ? "ERROR" : "ERROR ") + e.what(), Icono::Critico);
-      return;
+void Almacenes::informa(const ErrorAlmacen& e, const std::filesystem::path& ruta, bool alCrear) {
+  // The store stays closed: every job that runs before it opens again is refused.
+  fallos_.anota(e.what());
+  sinAbrir_.insert_or_assign(ruta.filename().string(), std::string(e.what()));
+  if (e.tipo() == ErrorAlmacen::Tipo::Danado) {
+    // A damaged file is checked, reported and kept as it is.
+    dialogos_.mensaje(TITULOALMACENES, e.what(), Icono::Critico);
+    return;
   }
+  const std::string_view paso = e.tipo() == ErrorAlmacen::Tipo::Bloqueo ? "" : alCrear ? "Error al crear el almacén: "_cp
+                                                                                       : "Error al abrir el almacén: "_cp;
+  dialogos_.mensaje(TITULOALMACENES, std::string(paso) + e.what(), Icono::Critico);
+}
+
+void Almacenes::avisa(const ErrorAlmacen& e) {
+  fallos_.anota(e.what());
+  dialogos_.mensaje(TITULOALMACENES, e.what(), Icono::Critico);
+}
+
+std::vector<std::string> Almacenes::sinAbrir() const {
+  std::vector<std::string> r;
+  for (const auto& [nombre, mensaje] : sinAbrir_) r.push_back(mensaje);
+  return r;
 }
 
 bool Almacenes::oficinaJet() const {
@@ -58,8 +73,7 @@ bool Almacenes::oficinaJet() const {
   return false;
 }
 
-bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas,
-                     std::string_view mensajeBloqueo, Dueno dueno) {
+bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas, Dueno dueno) {
   ALMACENACTUAL = ruta.filename().string();
   // Beside a payroll product's files, a store made by VALDOR+ would be taken by that
   // product for its own, and it could not read it.
@@ -67,13 +81,13 @@ bool Almacenes::crea(const std::filesystem::path& ruta, std::span<const DefTabla
   try {
     return Almacen::crea(ruta, tablas);
   } catch (const ErrorAlmacen& e) {
-    informa(e, mensajeBloqueo, true);
+    informa(e, ruta, true);
     return false;
   }
 }
 
 bool Almacenes::abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
-                     std::string_view mensajeBloqueo, bool deTrabajo) {
+                     bool deTrabajo) {
   ALMACENACTUAL = ruta.filename().string();
   // In a payroll product's office a work store it has not made yet is one without rows:
   // its tables read as empty, and nothing is made in its place.
@@ -84,15 +98,16 @@ bool Almacenes::abre(Almacen& almacen, const std::filesystem::path& ruta, std::i
   try {
     almacen.abre(ruta, opciones);
   } catch (const ErrorAlmacen& e) {
-    informa(e, mensajeBloqueo, false);
+    informa(e, ruta, false);
     return false;
   }
+  sinAbrir_.erase(ruta.filename().string());
   bool todas = true;
   for (const TablaDe& t : tablas) {
     try {
       t.tabla->abre(almacen, t.nombre);
     } catch (const ErrorAlmacen& e) {
-      informa(e, mensajeBloqueo, false);
+      informa(e, ruta, false);
       todas = false;
     }
   }
@@ -108,7 +123,7 @@ std::filesystem::path Almacenes::rutaPeriodo() const {
 
 bool Almacenes::CREAPERIODO() {
   const std::array<DefTabla, 2> tablas{esquemas::NOMIN(), esquemas::INCIDEN(true)};
-  return crea(rutaPeriodo(), tablas, MENSAJEBLOQUEO);
+  return crea(rutaPeriodo(), tablas);
 }
 
 bool Almacenes::ABREPERIODO() {
@@ -119,7 +134,7 @@ bool Almacenes::ABREPERIODO() {
     ALMACENACTUAL = ruta.filename().string();
     return false;
   }
-  return abre(periodo, ruta, {{&NOMIN, "NOMIN"}, {&INCIDEN, "INCIDEN"}}, MENSAJEBLOQUEO);
+  return abre(periodo, ruta, {{&NOMIN, "NOMIN"}, {&INCIDEN, "INCIDEN"}});
 }
 
 void Almacenes::CIERRAPERIODO() noexcept {
@@ -137,21 +152,19 @@ bool Almacenes::ABREMAESTROS() {
                     {&CONVEPAGAS, "CONVEPAGAS"},
                     {&CONVEANTI, "CONVEANTI"},
                     {&CATEGORIAANTI, "CATEGORIAANTI"},
-                    {&CATEGORIAPAGAS, "CATEGORIAPAGAS"}},
-                   MENSAJEBLOQUEO);
+                    {&CATEGORIAPAGAS, "CATEGORIAPAGAS"}});
   bien &= abre(empresas, enPrograma(NOMBREEMPRESAS),
                {{&ESA, "ESA"},
                 {&CENT, "CENT"},
                 {&SECC, "SECC"},
                 {&EmpresPagas, "EmpresPagas"},
-                {&EmpresAntiguedad, "EmpresAntiguedad"}},
-               MENSAJEBLOQUEO);
+                {&EmpresAntiguedad, "EmpresAntiguedad"}});
   bien &= abre(producto, enPrograma(NOMBREPRODUCTO),
-               {{&WK, "WK"}, {&WKPAGAS, "WKPAGAS"}, {&WKANTIGUEDAD, "WKANTIGUEDAD"}}, MENSAJEBLOQUEO);
+               {{&WK, "WK"}, {&WKPAGAS, "WKPAGAS"}, {&WKANTIGUEDAD, "WKANTIGUEDAD"}});
   bien &= abre(constant, enPrograma(NOMBRECONSTANT),
-               {{&POSTA, "POSTA"}, {&MUT, "MUT"}, {&CONTRA, "CONTRA"}, {&EPIGRA, "EPIGRA"}}, MENSAJEBLOQUEO);
-  bien &= abre(bonifica, enPrograma(NOMBREBONIFICA), {{&BONIFI, "BONIFI"}}, MENSAJEBLOQUEO);
-  bien &= abre(desempleo, enPrograma(NOMBREDESEMPLEO), {{&DESEMPLEO, "DESEMPLEO"}}, MENSAJEBLOQUEO);
+               {{&POSTA, "POSTA"}, {&MUT, "MUT"}, {&CONTRA, "CONTRA"}, {&EPIGRA, "EPIGRA"}});
+  bien &= abre(bonifica, enPrograma(NOMBREBONIFICA), {{&BONIFI, "BONIFI"}});
+  bien &= abre(desempleo, enPrograma(NOMBREDESEMPLEO), {{&DESEMPLEO, "DESEMPLEO"}});
   return bien;
 }
 
@@ -174,10 +187,10 @@ bool Almacenes::CREATEMPORAL() {
   // The temp store is always VALDOR+'s own SQLite file: one in another engine was left by
   // a run of the old program, and is of no use to anybody.
   if (const Motor m = motorDe(enTrabajo(NOMBRETEMPORAL)); m != Motor::Ninguno && m != Motor::SQLite) BORRATEMPORAL();
-  return crea(enTrabajo(NOMBRETEMPORAL), una(esquemas::TMPVALDOR()), MENSAJEBLOQUEO, Dueno::Valdor);
+  return crea(enTrabajo(NOMBRETEMPORAL), una(esquemas::TMPVALDOR()), Dueno::Valdor);
 }
 bool Almacenes::ABRETEMPORAL() {
-  return abre(temporal, enTrabajo(NOMBRETEMPORAL), {{&TMPVALDOR, "TMPVALDOR"}}, MENSAJEBLOQUEO);
+  return abre(temporal, enTrabajo(NOMBRETEMPORAL), {{&TMPVALDOR, "TMPVALDOR"}});
 }
 void Almacenes::CIERRATEMPORAL() noexcept {
   TMPVALDOR.cierra();
@@ -190,45 +203,45 @@ void Almacenes::BORRATEMPORAL() noexcept {
   std::filesystem::remove(ruta.string() + "-journal", ec);
 }
 
-bool Almacenes::CREAACUVALDOR() { return crea(enTrabajo(NOMBREACUVALDOR), una(esquemas::VALDORTA()), MENSAJEBLOQUEO); }
+bool Almacenes::CREAACUVALDOR() { return crea(enTrabajo(NOMBREACUVALDOR), una(esquemas::VALDORTA())); }
 bool Almacenes::ABREACUVALDOR() {
-  return abre(acuvaldor, enTrabajo(NOMBREACUVALDOR), {{&VALDORTA, "VALDORTA"}}, MENSAJEBLOQUEO, DETRABAJO);
+  return abre(acuvaldor, enTrabajo(NOMBREACUVALDOR), {{&VALDORTA, "VALDORTA"}}, DETRABAJO);
 }
 void Almacenes::CIERRAACUVALDOR() noexcept {
   VALDORTA.cierra();
   acuvaldor.cierra();
 }
 
-bool Almacenes::CREAILTS() { return crea(enTrabajo(NOMBREILTS), una(esquemas::ILTS()), MENSAJEBLOQUEOSELUNA); }
-bool Almacenes::ABREILTS() { return abre(ilts, enTrabajo(NOMBREILTS), {{&ILTS, "ILTS"}}, MENSAJEBLOQUEOSELUNA, DETRABAJO); }
+bool Almacenes::CREAILTS() { return crea(enTrabajo(NOMBREILTS), una(esquemas::ILTS())); }
+bool Almacenes::ABREILTS() { return abre(ilts, enTrabajo(NOMBREILTS), {{&ILTS, "ILTS"}}, DETRABAJO); }
 void Almacenes::CIERRAILTS() noexcept {
   ILTS.cierra();
   ilts.cierra();
 }
 
 bool Almacenes::CREAFORMACION() {
-  return crea(enTrabajo(NOMBREFORMACION), una(esquemas::FORMACION()), MENSAJEBLOQUEOSELUNA);
+  return crea(enTrabajo(NOMBREFORMACION), una(esquemas::FORMACION()));
 }
 bool Almacenes::ABREFORMACION() {
-  return abre(formacion, enTrabajo(NOMBREFORMACION), {{&FORMACION, "FORMACION"}}, MENSAJEBLOQUEOSELUNA, DETRABAJO);
+  return abre(formacion, enTrabajo(NOMBREFORMACION), {{&FORMACION, "FORMACION"}}, DETRABAJO);
 }
 void Almacenes::CIERRAFORMACION() noexcept {
   FORMACION.cierra();
   formacion.cierra();
 }
 
-bool Almacenes::CREATIPODOC() { return crea(enTrabajo(NOMBRETIPODOC), una(esquemas::TDOCUMENTO()), MENSAJEBLOQUEO); }
+bool Almacenes::CREATIPODOC() { return crea(enTrabajo(NOMBRETIPODOC), una(esquemas::TDOCUMENTO())); }
 bool Almacenes::ABRETIPODOC() {
-  return abre(tipodoc, enTrabajo(NOMBRETIPODOC), {{&TDOCUMENTO, "TDOCUMENTO"}}, MENSAJEBLOQUEO, DETRABAJO);
+  return abre(tipodoc, enTrabajo(NOMBRETIPODOC), {{&TDOCUMENTO, "TDOCUMENTO"}}, DETRABAJO);
 }
 void Almacenes::CIERRATIPODOC() noexcept {
   TDOCUMENTO.cierra();
   tipodoc.cierra();
 }
 
-bool Almacenes::CREACUENTAS() { return crea(enTrabajo(NOMBRECUENTAS), una(esquemas::CUENTASTAB()), MENSAJEBLOQUEO); }
+bool Almacenes::CREACUENTAS() { return crea(enTrabajo(NOMBRECUENTAS), una(esquemas::CUENTASTAB())); }
 bool Almacenes::ABRECUENTAS() {
-  return abre(cuentas, enTrabajo(NOMBRECUENTAS), {{&CUENTASTAB, "CUENTASTAB"}}, MENSAJEBLOQUEO, DETRABAJO);
+  return abre(cuentas, enTrabajo(NOMBRECUENTAS), {{&CUENTASTAB, "CUENTASTAB"}}, DETRABAJO);
 }
 void Almacenes::CIERRACUENTAS() noexcept {
   CUENTASTAB.cierra();

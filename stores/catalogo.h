@@ -5,8 +5,10 @@
 #pragma once
 
 #include <filesystem>
+#include <map>
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "shell/dialogos.h"
 #include "stores/almacen.h"
@@ -46,14 +48,6 @@ std::string nombrePeriodo(std::string_view ANOPERIODO, std::string_view MESPERIO
 // characters), the year's first four characters.
 std::string textoMesPeriodo(int mes);
 std::string textoAnoPeriodo(int ano);
-
-// The messages of the opening discipline.
-inline constexpr std::string_view MENSAJEBLOQUEO =
-    "No puedo bloquear los ficheros. SHARE no ha sido instalado. Salga de DORTEK, instale SHARE "
-    "y reinicie el programa.";
-inline constexpr std::string_view MENSAJEBLOQUEOSELUNA =
-    "No puedo bloquear los ficheros. SHARE no ha sido instalado. Salga de SELUNA 32, instale "
-    "SHARE y reinicie el programa.";
 
 class Almacenes {
  public:
@@ -111,6 +105,17 @@ class Almacenes {
   // its own temp store.
   bool oficinaJet() const;
 
+  // ---- Failures ----
+  // Every failure of a store met since the start: at its opening, and in any read or
+  // write while it was open (also those a rule passes over, reading the store as
+  // empty). A job compares the count at its start and at its end.
+  const RegistroFallos& fallos() const { return fallos_; }
+  // The messages of the stores whose last opening failed: they stay closed, and read as
+  // empty, until they open again.
+  std::vector<std::string> sinAbrir() const;
+  // Shows a failure that a rule met reading a store, and counts it.
+  void avisa(const ErrorAlmacen& e);
+
   // ---- Create, open, close ----
   // A create makes the store when its file is missing and stops quietly when it
   // exists; it returns true when it made the file. An open returns true when the store
@@ -158,17 +163,19 @@ class Almacenes {
   // Whose file a store is: the payroll product's, made here only in an office of
   // SQLite stores, or VALDOR+'s own.
   enum class Dueno { Nominas, Valdor };
-  bool crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas, std::string_view mensajeBloqueo,
-            Dueno dueno = Dueno::Nominas);
+  bool crea(const std::filesystem::path& ruta, std::span<const DefTabla> tablas, Dueno dueno = Dueno::Nominas);
   // A work store (`deTrabajo`) missing in a payroll product's office reads as empty.
   bool abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
-            std::string_view mensajeBloqueo, bool deTrabajo = false);
-  void informa(const ErrorAlmacen& e, std::string_view mensajeBloqueo, bool alCrear);
+            bool deTrabajo = false);
+  // A store that could not be made or opened: shown, counted, and kept as closed.
+  void informa(const ErrorAlmacen& e, const std::filesystem::path& ruta, bool alCrear);
   std::filesystem::path enTrabajo(std::string_view nombre) const;
   std::filesystem::path enPrograma(std::string_view nombre) const;
 
   Carpetas carpetas_;
   Dialogos& dialogos_;
+  RegistroFallos fallos_;
+  std::map<std::string, std::string> sinAbrir_;  // file name, message
 };
 
 }  // namespace valdor

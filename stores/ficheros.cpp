@@ -1,6 +1,8 @@
 #include "stores/ficheros.h"
 
 #include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,7 +10,9 @@
 #include <thread>
 #include <optional>
 #include <system_error>
+#include <utility>
 
+#include "stores/literales.h"
 #include "stores/texto.h"
 
 namespace valdor {
@@ -51,6 +55,29 @@ int escribeTodo(int fd, std::string_view datos, off_t desde) {
 std::filesystem::path nombreTemporal(const std::filesystem::path& destino, int intento) {
   return destino.parent_path() /
          (destino.filename().string() + "." + std::to_string(::getpid()) + "." + std::to_string(intento) + ".tmp");
+}
+
+void limpiaTemporalesHuerfanos(const std::filesystem::path& destino) {
+  const std::string prefijo = destino.filename().string() + ".";
+  std::error_code ec;
+  const std::filesystem::path carpeta = destino.parent_path().empty() ? "." : destino.parent_path();
+  for (std::filesystem::directory_iterator it(carpeta, ec), fin; !ec && it != fin; it.increment(ec)) {
+    const std::string nombre = it->path().filename().string();
+    if (!nombre.starts_with(prefijo) || !nombre.ends_with(".tmp")) continue;
+    // NAME.<pid>.<attempt>.tmp
+    const std::string resto = nombre.substr(prefijo.size(), nombre.size() - prefijo.size() - 4);
+    const std::size_t punto = resto.find('.');
+    if (punto == 0 || punto == std::string::npos) continue;
+    const std::string pid = resto.substr(0, punto), intento = resto.substr(punto + 1);
+    auto soloCifras = [](const std::string& t) {
+      return !t.empty() && t.size() <= 9 && t.find_first_not_of("0123456789") == std::string::npos;
+    };
+    if (!soloCifras(pid) || !soloCifras(intento)) continue;
+    const pid_t dueno = static_cast<pid_t>(std::stol(pid));
+    if (dueno == ::getpid() || ::kill(dueno, 0) == 0 || errno != ESRCH) continue;
+    std::error_code borrado;
+    std::filesystem::remove(it->path(), borrado);
+  }
 }
 
 int reemplazaFichero(const std::filesystem::path& destino, std::string_view contenido) {
@@ -116,9 +143,29 @@ namespace {
 
 }  // namespace
 
+CerrojoCarpeta::CerrojoCarpeta(const std::filesystem::path& carpeta) {
+  fd_ = ::open(carpeta.empty() ? "." : carpeta.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+  if (fd_ < 0)
+    throw ErrorFichero("No se puede abrir la carpeta de trabajo " + entreComillas(carpeta) + ": " +
+                       razonDelSistema(errno) + ".");
+  while (::flock(fd_, LOCK_EX | LOCK_NB) != 0) {
+    if (errno == EINTR) continue;
+    // EWOULDBLOCK: another run holds it. Anything else: no locks on this file system.
+    tomado_ = errno != EWOULDBLOCK;
+    if (tomado_) ::close(std::exchange(fd_, -1));
+    return;
+  }
+  tomado_ = true;
+}
+
+CerrojoCarpeta::~CerrojoCarpeta() {
+  if (fd_ >= 0) ::close(fd_);  // closing the folder lets the lock go
+}
+
 FicheroRegistros::FicheroRegistros(std::filesystem::path destino) : destino_(std::move(destino)) {
   std::error_code ec;
   if (!destino_.parent_path().empty()) std::filesystem::create_directories(destino_.parent_path(), ec);
+  limpiaTemporalesHuerfanos(destino_);
   for (int intento = 0; fd_ < 0 && intento < INTENTOSTEMPORAL; ++intento) {
     temporal_ = nombreTemporal(destino_, intento);
     fd_ = ::open(temporal_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666);
@@ -138,6 +185,19 @@ void FicheroRegistros::imprime(std::string_view linea) {
   if (const int error = escribeTodo(fd_, registro, static_cast<off_t>(longitud_)); error != 0)
     fallaEscritura(destino_, error);
   longitud_ += registro.size();
+}
+
+void FicheroRegistros::imprimeRegistro(std::string_view linea, std::string_view donde) {
+  std::string registro(linea);
+  for (char& c : registro)
+    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+  if (registro.size() != LARGOREGISTRO) {
+    // Control characters shown as blanks, and no more than a line's worth.
+    throw ErrorFichero(std::string("La línea "_cp) + std::string(donde) + " mide " + std::to_string(registro.size()) +
+                       std::string(" caracteres y debe medir 70: \""_cp) + izquierda(registro, 100) + "\". " +
+                       std::string("El fichero "_cp) + entreComillas(destino_) + " no se ha generado.");
+  }
+  imprime(registro);
 }
 
 void FicheroRegistros::confirma() {

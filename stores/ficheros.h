@@ -67,10 +67,38 @@ class CerrojoRegistro {
   bool ocupado_ = false;
 };
 
+// The lock of a run on its work folder: one run at a time uses the folder's temp store.
+// It is a lock of the open folder (flock), so it goes with the process that holds it,
+// however that process ends: a folder whose lock nobody holds has no run in it, and
+// whatever a run left there is a leftover. A file system that keeps no locks is used
+// without one.
+class CerrojoCarpeta {
+ public:
+  // Takes the lock without waiting; `tomado()` is false when another run holds it.
+  // Throws ErrorFichero when the folder cannot be opened.
+  explicit CerrojoCarpeta(const std::filesystem::path& carpeta);
+  ~CerrojoCarpeta();
+  CerrojoCarpeta(const CerrojoCarpeta&) = delete;
+  CerrojoCarpeta& operator=(const CerrojoCarpeta&) = delete;
+  bool tomado() const { return tomado_; }
+
+ private:
+  int fd_ = -1;
+  bool tomado_ = false;
+};
+
+// Removes the temporary files that runs now gone left beside `destino` (the names of
+// `nombreTemporal`, of any process that no longer exists). Those of a live process are
+// its own, still being written.
+void limpiaTemporalesHuerfanos(const std::filesystem::path& destino);
+
 // An exchange file being written: records of text, each ended by CR LF, put under a
 // temporary name beside the final one and renamed over it only when `confirma` is
 // called, so that a crash or a full disk never leaves half a file under the final
-// name. The temporary file goes with the object when it was not confirmed.
+// name. The temporary file goes with the object when it was not confirmed. A file
+// already under the final name stays as it is until the rename replaces it whole.
+inline constexpr std::size_t LARGOREGISTRO = 70;
+
 class FicheroRegistros {
  public:
   // Creates the folder of `destino` when it is missing. Throws ErrorFichero.
@@ -81,6 +109,12 @@ class FicheroRegistros {
 
   // Writes `linea` and CR LF. Throws ErrorFichero.
   void imprime(std::string_view linea);
+  // Writes a record of an exchange file, which is exactly LARGOREGISTRO characters:
+  // control characters that a store, a setting or a rate file held (a CR, an LF, a
+  // NUL) become blanks, so that no value splits or cuts the record; a record of any
+  // other length throws ErrorFichero, naming `donde` (the company, the worker and the
+  // kind of line) and showing the record.
+  void imprimeRegistro(std::string_view linea, std::string_view donde);
   // The bytes written so far.
   std::uintmax_t longitud() const { return longitud_; }
   // Flushes the file to disk and puts it under its final name. Throws ErrorFichero.

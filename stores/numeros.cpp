@@ -1,5 +1,7 @@
 #include "stores/numeros.h"
 
+#include "stores/literales.h"
+
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -418,16 +420,31 @@ std::optional<std::string> CAMPONUM(std::string_view valor, int ancho, std::stri
                                     bool decimales) {
   if (ancho < 0 || relleno.empty()) return std::nullopt;
   const auto numero = convierteNumero(valor);
-  if (!numero) return std::nullopt;
+  if (!numero || !std::isfinite(*numero)) return std::nullopt;
   std::string texto;
   if (decimales) {
-    texto = recorta(textoGeneral(REDONDEA2(*numero) * 100.0));
+    const double centimos = REDONDEA2(*numero) * 100.0;
+    if (!std::isfinite(centimos)) return std::nullopt;
+    texto = recorta(textoGeneral(centimos));
   } else {
     const auto entero = aEnteroLargo(*numero);
     if (!entero) return std::nullopt;
     texto = textoEntero(*entero);
   }
   return campoIzq(texto, static_cast<std::size_t>(ancho), relleno[0]);
+}
+
+std::string campoDeLinea(std::string_view que, std::string_view valor, int ancho, std::string_view relleno,
+                         bool decimales) {
+  if (auto campo = CAMPONUM(valor, ancho, relleno, decimales)) return *std::move(campo);
+  throw ErrorCampo("El valor \"" + std::string(valor) + "\" de " + std::string(que) +
+                   std::string(" no cabe en su campo de "_cp) + std::to_string(ancho) +
+                   (decimales ? std::string(" cifras (en céntimos)"_cp) : std::string(" cifras")) +
+                   std::string(" o no es un número válido."_cp));
+}
+
+std::string campoDeLinea(std::string_view que, double valor, int ancho, std::string_view relleno, bool decimales) {
+  return campoDeLinea(que, textoGeneral(valor), ancho, relleno, decimales);
 }
 
 namespace {

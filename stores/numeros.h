@@ -8,6 +8,8 @@
 // receive one, read once by `separadoresDelSistema`.
 #pragma once
 
+#include "stores/error.h"
+
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -86,6 +88,19 @@ double REDONDEA2R(double valor);
 // std::nullopt, and the caller leaves the field out of its line.
 std::optional<std::string> CAMPONUM(std::string_view valor, int ancho, std::string_view relleno,
                                     bool decimales);
+
+// A value that does not fit its field of an exchange line: the line would come out
+// shorter than 70, so the job stops instead, naming the field, the value and the width.
+class ErrorCampo : public ErrorValdor {
+ public:
+  using ErrorValdor::ErrorValdor;
+};
+
+// CAMPONUM for a field of an exchange line, named `que` in the message: a value that is
+// not a finite number or is wider than the field throws ErrorCampo.
+std::string campoDeLinea(std::string_view que, std::string_view valor, int ancho, std::string_view relleno,
+                         bool decimales);
+std::string campoDeLinea(std::string_view que, double valor, int ancho, std::string_view relleno, bool decimales);
 
 // QUITAACENTOS: maps the Spanish letters of a Windows-1252 text to the bytes of the DOS
 // code page that the exchange files carry (Ñ -> 165, ñ -> 164, á -> 160, ...). When the

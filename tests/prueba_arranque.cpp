@@ -69,7 +69,10 @@ TEST(Arranque, LosAlmacenesDeTrabajoConservanSusFilasYSoloElTemporalEmpiezaVacio
     EXPECT_TRUE(fs::exists(o.carpetas.trabajo / f)) << f;
 }
 
-TEST(Arranque, UnTemporalQueQuedoDeUnaCaidaConservaSusFilas) {
+// The temp store is one run's alone: the rows of a run that was killed are never read
+// by the next one, and a second run in the same work folder is refused, never given the
+// first one's store.
+TEST(Arranque, CadaEjecucionTieneSuTemporalVacioYNoLoComparte) {
   Oficina o;
   const auto ruta = o.carpetas.trabajo / "TEMPORAL VALDOR.MDB";
   Almacen::crea(ruta, std::array<DefTabla, 1>{esquemas::TMPVALDOR()});
@@ -78,9 +81,26 @@ TEST(Arranque, UnTemporalQueQuedoDeUnaCaidaConservaSusFilas) {
     a.abre(ruta);
     a.ejecuta("INSERT INTO TMPVALDOR (TMPEMP, TMPTRA, TMPTIPO, TMPLINEA) VALUES ('1', '00001', 'TRA', 'TRA...')");
   }
+  pruebas::escribeBytes(ruta.string() + "-journal", "restos de una escritura a medias");
   Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
   p.arranca();
-  EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 1);
+  EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 0);
+  EXPECT_FALSE(std::filesystem::exists(ruta.string() + "-journal"));
+  p.almacenes.temporal.ejecuta("INSERT INTO TMPVALDOR (TMPEMP, TMPTRA, TMPTIPO, TMPLINEA) VALUES ('2', '00001', 'TRA', 'X')");
+
+  DialogosGrabador otros;
+  Programa segundo(o.carpetas, otros, Separadores{}, MOMENTO);
+  try {
+    segundo.arranca();
+    ADD_FAILURE() << "la segunda ejecución arrancó en la misma carpeta";
+  } catch (const CarpetaOcupada& e) {
+    EXPECT_NE(std::string(e.what()).find("Otra ejecuci\xF3n de VALDOR+"), std::string::npos);
+  }
+  EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 1);  // the first run's row is still there
+  p.termina();
+  EXPECT_FALSE(std::filesystem::exists(ruta));
+  // The folder is free again.
+  EXPECT_NO_THROW(segundo.arranca());
 }
 
 TEST(Arranque, UnAlmacenDanadoSeNombraYSeDejaByteAByteMientrasLosDemasSiguen) {
@@ -99,7 +119,7 @@ TEST(Arranque, UnAlmacenDanadoSeNombraYSeDejaByteAByteMientrasLosDemasSiguen) {
   EXPECT_EQ(pruebas::leeBytes(ruta), basura);
 }
 
-TEST(Arranque, UnAlmacenBloqueadoDaElMensajeDelBloqueo) {
+TEST(Arranque, UnAlmacenBloqueadoDaElMensajeDelBloqueoYCuentaComoFallo) {
   Oficina o;
   const auto ruta = o.carpetas.trabajo / "ACUVALDOR.MDB";
   const std::array<DefTabla, 1> tablas{esquemas::VALDORTA()};
@@ -110,9 +130,12 @@ TEST(Arranque, UnAlmacenBloqueadoDaElMensajeDelBloqueo) {
   Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
   p.arranca();
   sqlite3_close(otro);
+  // The message names the file and says who may hold it; the store counts as failed.
   EXPECT_TRUE(std::any_of(o.dialogos.mensajes.begin(), o.dialogos.mensajes.end(), [](const auto& m) {
-    return m.texto == MENSAJEBLOQUEO && m.icono == Icono::Informacion;
+    return m.icono == Icono::Critico && m.texto.find("ACUVALDOR.MDB") != std::string::npos &&
+           m.texto.find("otro programa") != std::string::npos;
   }));
+  EXPECT_TRUE(p.motivoDeFallo({}).has_value());
 }
 
 TEST(Arranque, LosAjustesElEmisorYLosSeparadoresSeLeenAlArrancar) {

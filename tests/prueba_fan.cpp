@@ -163,12 +163,15 @@ TEST(TotalesEmpresa, LasLineasTCT00YEDTLlevanSusCamposEnSuOrden) {
 
 // ---- The whole file ------------------------------------------------------------------------
 
+// A scripted line made a whole record: its text, then blanks up to 70.
+std::string a70(std::string_view texto) { return ajusta(texto, 70); }
+
 struct MotorGuionado : MotorCotizacion {
   void COTVAL(Programa&, COTIZACION&) override { ++calculos; }
   void TC1VAL(Programa& p, COTIZACION&, PaginaIntercambio&, const std::string& empresa) override {
     if (empresa == "28000000001") {
-      p.g.LINEASTC1[1] = "EDTCA01000 DE LA PRIMERA";
-      p.g.LINEASTC1[19] = "DBA  DE LA PRIMERA";
+      p.g.LINEASTC1[1] = a70("EDTCA01000 DE LA PRIMERA");
+      p.g.LINEASTC1[19] = a70("DBA  DE LA PRIMERA");
     }
   }
   int calculos = 0;
@@ -178,6 +181,12 @@ struct Intercambio {
   Intercambio() {
     fs::create_directories(carpetas.programa);
     fs::create_directories(carpetas.trabajo);
+    // Every master store, for a job refuses to write when one is missing.
+    Almacen::crea(carpetas.programa / "CONVENIO.MDB", esquemas::tablasCONVENIO());
+    Almacen::crea(carpetas.programa / "PRODUCTO.MDB", esquemas::tablasPRODUCTO());
+    Almacen::crea(carpetas.programa / "CONSTANT.MDB", esquemas::tablasCONSTANT());
+    Almacen::crea(carpetas.programa / "BONIFICA.MDB", esquemas::tablasBONIFICA());
+    Almacen::crea(carpetas.programa / "DESEMPLEO.MDB", esquemas::tablasDESEMPLEO());
     const auto ruta = carpetas.programa / "EMPRESAS.MDB";
     Almacen::crea(ruta, esquemas::tablasEMPRESAS());
     Almacen a;
@@ -187,7 +196,7 @@ struct Intercambio {
     a.ejecuta("INSERT INTO ESA (A1, A2, A8, EB12, EB14) VALUES (?, ?, ?, ?, ?)",
               {"28000000002", "SEGUNDA", "12345678Z", "6", "7"});
     FicheroAjustes f(carpetas.trabajo);
-    f.escribe({"123", "SILCON01", "C:\\WINSUITE\\WINSUITE.EXE", ""});
+    f.escribe({"00000123", "SILCON01", "C:\\WINSUITE\\WINSUITE.EXE", ""});
     programa.entornoWine = {c / "wine"};
     programa.arranca();
     programa.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
@@ -196,7 +205,7 @@ struct Intercambio {
     pagina.Label12 = "20261115";
     pagina.Label13 = "0730";
     pagina.Text8 = "PRUEBA01";
-    programa.g.LINEAETI = LINEAETI(pagina, {"123", "SILCON01", "", ""});
+    programa.g.LINEAETI = LINEAETI(pagina, {"00000123", "SILCON01", "", ""});
     sel.eligeMes(2);
     sel.eligeAno(2002 - 1901);
     sel.grid = {{"PRIMERA", true, "28000000001", "", "", 0},
@@ -205,7 +214,7 @@ struct Intercambio {
                 {"SIN MARCA", false, "28000000003", "", "", 0}};
   }
   void linea(const std::string& emp, const std::string& tra, const std::string& tipo, const std::string& texto) {
-    programa.almacenes.temporal.ejecuta("INSERT INTO TMPVALDOR VALUES (?, ?, ?, ?)", {emp, tra, tipo, texto});
+    programa.almacenes.temporal.ejecuta("INSERT INTO TMPVALDOR VALUES (?, ?, ?, ?)", {emp, tra, tipo, a70(texto)});
   }
   std::vector<std::string> lineas() const {
     return pruebas::registros(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/PRUEBA01.FAN");
@@ -239,21 +248,20 @@ TEST(FicheroFAN, LasLineasDeCadaEmpresaSalenEnSuOrdenYElPieCuentaElFichero) {
   EXPECT_EQ(l[1].substr(0, 18), "EMP011128000000001");
   EXPECT_EQ(l[1].substr(53, 8), "20020303");
   EXPECT_EQ(l[2].substr(0, 18), "RZS02PRIMERA, S.L.");
-  EXPECT_EQ(l[3], "TRA DEL UNO");
+  EXPECT_EQ(l[3], a70("TRA DEL UNO"));
   EXPECT_EQ(medio(l[4], 1, 17), "EDLBA020000123456");
-  EXPECT_EQ(l[5], "TRA DEL DOS");
-  EXPECT_EQ(l[6], "AYN DEL DOS");
+  EXPECT_EQ(l[5], a70("TRA DEL DOS"));
+  EXPECT_EQ(l[6], a70("AYN DEL DOS"));
   EXPECT_EQ(l[7].substr(0, 14), "TCT0045 000002");
   EXPECT_EQ(l[8], "EDTBA02000" "00000123456" " " + std::string(19, '0') + std::string(29, ' '));
-  EXPECT_EQ(l[9], "EDTCA01000 DE LA PRIMERA");
-  EXPECT_EQ(l[10], "DBA  DE LA PRIMERA");
+  EXPECT_EQ(l[9], a70("EDTCA01000 DE LA PRIMERA"));
+  EXPECT_EQ(l[10], a70("DBA  DE LA PRIMERA"));
   EXPECT_EQ(l[11].substr(0, 7), "EMP0132");  // the second company: no workers, no amounts
   EXPECT_EQ(l[13].substr(0, 14), "TCT007  000000");
   // Entry 19 is not cleared between companies: printed again; entry 1 was.
   EXPECT_EQ(l[14].substr(0, 3), "DBA");
-  // Before the trailer stand 753 bytes (several short lines): 753 / 72 rounds to 10, and
-  // the trailer counts itself.
-  EXPECT_EQ(l[15], "ETF" "TC220VIP28" "123" "SILCON01" "20261115" "0730" "PRUEBA01" "FAN" "N" " " "00002" "00000011"
+  // Before the trailer stand 15 records of 72 bytes, and the trailer counts itself.
+  EXPECT_EQ(l[15], "ETF" "TC220VIP28" "00000123" "SILCON01" "20261115" "0730" "PRUEBA01" "FAN" "N" " " "00002" "00000016"
                    "   ");
 }
 
