@@ -178,14 +178,26 @@ void Almacen::abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones) 
   registraColacionEspanol(db_);
 
   // A sound database answers from its catalogue; anything else (garbage, a file of
-  // another engine) is reported and left exactly as it is.
+  // another engine) is reported and left exactly as it is. Its pages are read once too,
+  // so that a damaged one is found now and not half-way through a run; a file checked
+  // before and unchanged since is not read again.
   try {
     Sentencia s(*this, "SELECT count(*) FROM sqlite_master");
     s.paso();
+    compruebaPaginas();
   } catch (...) {
     cierra();
     throw;
   }
+}
+
+void Almacen::compruebaPaginas() {
+  const auto antes = identidadDe(ruta_);
+  if (antes && comprobado_ == antes) return;
+  Sentencia revision(*this, "PRAGMA quick_check(1)");
+  std::string resultado = revision.paso() ? revision.valor(0).texto() : std::string("sin respuesta");
+  if (resultado != "ok") throw errorDanado(ruta_, resultado);
+  comprobado_ = antes;
 }
 
 void Almacen::abreJet(const OpcionesAlmacen& opciones) {

@@ -200,6 +200,8 @@ class Almacen {
 
  private:
   void abreJet(const OpcionesAlmacen& opciones);
+  // Reads every page of an SQLite file (quick_check); throws the damaged-file error.
+  void compruebaPaginas();
 
   sqlite3* db_ = nullptr;
   std::filesystem::path ruta_;
@@ -218,6 +220,8 @@ class Almacen {
   std::uint64_t generacion_ = 0;
   std::uint64_t apertura_ = 0;
   RegistroFallos* registro_ = nullptr;
+  // The state of the file whose pages were last found sound.
+  std::optional<IdentidadFichero> comprobado_;
   std::unordered_map<std::string, std::unique_ptr<Sentencia>> preparadas_;
 };
 

@@ -106,12 +106,28 @@ bool Almacenes::abre(Almacen& almacen, const std::filesystem::path& ruta, std::i
   for (const TablaDe& t : tablas) {
     try {
       t.tabla->abre(almacen, t.nombre);
+      exigeColumnas(*t.tabla, ruta);
     } catch (const ErrorAlmacen& e) {
+      t.tabla->cierra();
       informa(e, ruta, false);
       todas = false;
     }
   }
   return todas;
+}
+
+void Almacenes::exigeColumnas(const Tabla& t, const std::filesystem::path& ruta) {
+  if (!esquemas::seLeeSuContenido(t.nombre())) return;
+  const DefTabla* def = esquemas::busca(t.nombre());
+  if (!def) return;
+  const std::vector<std::string> faltan = esquemas::columnasQueFaltan(t, *def);
+  if (faltan.empty()) return;
+  std::string lista;
+  for (const std::string& c : faltan) lista += (lista.empty() ? "" : ", ") + c;
+  throw ErrorAlmacen(ErrorAlmacen::Tipo::NoExiste,
+                     "A la tabla " + t.nombre() + " de " + entreComillas(ruta) +
+                         std::string(" le faltan columnas que VALDOR+ lee: "_cp) + lista +
+                         std::string(". Sin ellas sus valores se leerían vacíos."_cp));
 }
 
 // ---- Month store ----

@@ -167,6 +167,8 @@ class Almacenes {
   // A work store (`deTrabajo`) missing in a payroll product's office reads as empty.
   bool abre(Almacen& almacen, const std::filesystem::path& ruta, std::initializer_list<TablaDe> tablas,
             bool deTrabajo = false);
+  // Throws when the open table lacks a column that the rules read.
+  static void exigeColumnas(const Tabla& t, const std::filesystem::path& ruta);
   // A store that could not be made or opened: shown, counted, and kept as closed.
   void informa(const ErrorAlmacen& e, const std::filesystem::path& ruta, bool alCrear);
   std::filesystem::path enTrabajo(std::string_view nombre) const;

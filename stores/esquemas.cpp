@@ -1,7 +1,10 @@
 #include "stores/esquemas.h"
 
+#include <algorithm>
 #include <array>
 #include <string>
+
+#include "stores/texto.h"
 
 namespace valdor::esquemas {
 namespace {
@@ -256,6 +259,24 @@ const DefTabla* busca(std::string_view tabla) {
     for (const DefTabla& t : grupo)
       if (t.nombre == tabla) return &t;
   return nullptr;
+}
+
+bool seLeeSuContenido(std::string_view tabla) {
+  static constexpr std::array<std::string_view, 16> leidas{
+      "NOMIN", "INCIDEN", "ESA",       "CENT",     "WK",         "CONTRA",     "EPIGRA",     "BONIFI",
+      "DESEMPLEO", "CONVEN", "VALDORTA", "ILTS", "FORMACION", "TDOCUMENTO", "CUENTASTAB", "TMPVALDOR"};
+  return std::find(leidas.begin(), leidas.end(), mayusculasAscii(tabla)) != leidas.end();
+}
+
+std::vector<std::string> columnasQueFaltan(const Tabla& t, const DefTabla& def) {
+  std::vector<std::string> faltan;
+  for (const DefColumna& c : def.columnas) {
+    const bool esta = std::any_of(t.columnas().begin(), t.columnas().end(), [&](const DefColumna& d) {
+      return mayusculasAscii(d.nombre) == mayusculasAscii(c.nombre);
+    });
+    if (!esta) faltan.push_back(c.nombre);
+  }
+  return faltan;
 }
 
 }  // namespace valdor::esquemas

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <span>
+#include <string>
 #include <string_view>
 #include <vector>
 
@@ -39,5 +40,13 @@ std::span<const DefTabla> tablasDESEMPLEO();  // DESEMPLEO
 
 // The definition of a table by name (any store), or nullptr.
 const DefTabla* busca(std::string_view tabla);
+
+// The tables whose columns the rules read by name; the other tables of the master
+// stores are opened and never read.
+bool seLeeSuContenido(std::string_view tabla);
+
+// The columns of `def` that the open table `t` lacks (names compared without case), in
+// the definition's order.
+std::vector<std::string> columnasQueFaltan(const Tabla& t, const DefTabla& def);
 
 }  // namespace valdor::esquemas

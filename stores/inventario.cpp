@@ -45,15 +45,6 @@ std::vector<Entrada> catalogo(int mes, int ano) {
   };
 }
 
-// The tables whose columns the rules read by name; the other tables of the master
-// stores are opened and never read.
-bool seLeeSuContenido(std::string_view tabla) {
-  static constexpr std::array<std::string_view, 16> leidas{
-      "NOMIN", "INCIDEN", "ESA",       "CENT",     "WK",         "CONTRA",     "EPIGRA",     "BONIFI",
-      "DESEMPLEO", "CONVEN", "VALDORTA", "ILTS", "FORMACION", "TDOCUMENTO", "CUENTASTAB", "TMPVALDOR"};
-  return std::find(leidas.begin(), leidas.end(), tabla) != leidas.end();
-}
-
 std::string unidos(const std::vector<std::string>& nombres) {
   std::string r;
   for (const std::string& n : nombres) r += (r.empty() ? "" : ", ") + n;
@@ -96,16 +87,10 @@ void revisaTablas(Almacen& almacen, const Entrada& e, AlmacenInventario& a) {
       a.problemas.emplace_back("falta la tabla " + def->nombre);
       continue;
     }
-    if (!seLeeSuContenido(def->nombre)) continue;
+    if (!esquemas::seLeeSuContenido(def->nombre)) continue;
     Tabla t;
     t.abre(almacen, *hallada);
-    std::vector<std::string> faltan;
-    for (const DefColumna& c : def->columnas) {
-      const bool esta = std::any_of(t.columnas().begin(), t.columnas().end(), [&](const DefColumna& d) {
-        return mayusculasAscii(d.nombre) == mayusculasAscii(c.nombre);
-      });
-      if (!esta) faltan.push_back(c.nombre);
-    }
+    const std::vector<std::string> faltan = esquemas::columnasQueFaltan(t, *def);
     if (!faltan.empty())
       a.problemas.emplace_back("faltan en la tabla " + def->nombre + " columnas que VALDOR+ lee: " + unidos(faltan));
   }
