@@ -101,12 +101,15 @@ struct FormulariosDeConsola : FormulariosIntercambio {
   std::optional<std::string> resultado;
 };
 
-// The end of an exchange: its Windows path, then the native one as the last line.
+// The end of an exchange: its Windows path, then the native one as the last line. The
+// writers' exclamations all say the file is not whole or not right (a store stopped a
+// company's workers or the pending list, a worker's line was cut, workers did not fit):
+// the file stays for the user to see, and the job has failed.
 int informaFichero(Programa& programa, const std::optional<std::string>& fichero, const DialogosConsola& dialogos) {
   if (!fichero) return SALIDAFALLO;
   escribeLinea(std::cout, "Fichero de intercambio: " + *fichero);
   escribeLinea(std::cout, utf8ACp1252(rutaNativa(*fichero, programa.entornoWine).string()));
-  return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+  return dialogos.errores() > 0 || dialogos.avisos() > 0 ? SALIDAFALLO : SALIDABIEN;
 }
 
 Modo modoDe(const std::string& texto) {

@@ -3,6 +3,7 @@
 // call with one line and a pointer to the help, before it writes anything.
 
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include <cerrno>
 #include <cstdlib>
@@ -308,6 +309,35 @@ TEST_F(CliOficina, LasEmpresasYElEnvioSustituidoSeCompruebanParteAParte) {
   // "sustitución" with its accent is the same mode.
   EXPECT_EQ(fan({"--modo", "sustitución", "--nombre", "acento"}).estado, 0);
   EXPECT_EQ(pruebas::registros(carpetaFan() / "ACENTO00.FAN").at(0).substr(53, 1), "S");
+}
+
+// Sets one worker's document in the month's payroll rows, as the payroll product could.
+void ponDocumento(const fs::path& mes, const std::string& empresa, const std::string& trabajador,
+                  const std::string& documento) {
+  sqlite3* bd = nullptr;
+  ASSERT_EQ(sqlite3_open(mes.c_str(), &bd), SQLITE_OK);
+  sqlite3_stmt* orden = nullptr;
+  ASSERT_EQ(sqlite3_prepare_v2(bd, "UPDATE NOMIN SET BNIFCU = ?1 WHERE BSSE = ?2 AND BMATRI = ?3", -1, &orden, nullptr),
+            SQLITE_OK);
+  sqlite3_bind_text(orden, 1, documento.c_str(), -1, SQLITE_TRANSIENT);
+  sqlite3_bind_text(orden, 2, empresa.c_str(), -1, SQLITE_TRANSIENT);
+  sqlite3_bind_text(orden, 3, trabajador.c_str(), -1, SQLITE_TRANSIENT);
+  EXPECT_EQ(sqlite3_step(orden), SQLITE_DONE);
+  EXPECT_EQ(sqlite3_changes(bd), 1);
+  sqlite3_finalize(orden);
+  sqlite3_close(bd);
+}
+
+TEST_F(CliOficina, UnFicheroConUnaLineaCortadaSeDejaPeroElTrabajoAcabaCon1) {
+  // A document of 18 characters makes the worker's TRA line 74 long: kept cut to 70,
+  // and told.
+  ponDocumento(c / "programa" / "PX202610.MDB", "28107654331", "00001", "123456789012345678");
+  const Resultado r = fan({"--nombre", "largo"});
+  EXPECT_EQ(r.estado, 1) << r.errores;
+  EXPECT_NE(r.errores.find("pasaban de 70 caracteres"), std::string::npos) << r.errores;
+  const auto lineas = pruebas::registros(carpetaFan() / "LARGO000.FAN");
+  ASSERT_FALSE(lineas.empty());
+  for (const std::string& l : lineas) EXPECT_EQ(l.size(), 70u) << l;
 }
 
 TEST_F(CliOficina, ElBoletinSoloSaleAUnaImpresoraConocidaOAUnFicheroDeTrabajo) {
