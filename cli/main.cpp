@@ -137,7 +137,12 @@ int ejecuta(const Llamada& llamada) {
   if (llamada.orden == "empresas") return ordenEmpresas(llamada);
   if (llamada.orden == "fan") return ordenFan(llamada);
   if (llamada.orden == "afi") return ordenAfi(llamada);
-  if (llamada.orden == "revisar") return ordenRevisar(llamada);
+  if (llamada.orden == "revisar") {
+    // The file is named by the one argument; an empty one names none.
+    if (llamada.argumentos.size() == 1 && llamada.argumentos[0].empty())
+      throw ErrorLlamada(std::string("Falta el nombre del fichero que se ha de revisar: el argumento está vacío."_cp));
+    return ordenRevisar(llamada);
+  }
   if (llamada.orden == "imprimir") return ordenImprimir(llamada);
   return ordenAlmacenes(llamada);
 }

@@ -170,6 +170,7 @@ TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyuda) {
                          "Falta el valor de --emisor."));
   EXPECT_TRUE(llamadaMal(valdor(c, {"ajustes", "--emisor", "A\nB"}), ajustes, "carácter de control"));
   EXPECT_TRUE(llamadaMal(valdor(c, {"ajustes", "suelto"}), ajustes, "Sobra \"suelto\""));
+  EXPECT_TRUE(llamadaMal(valdor(c, {"revisar", ""}), pistaDe("revisar"), "Falta el nombre del fichero que se ha de revisar"));
   EXPECT_TRUE(llamadaMal(valdor(c, {"fan", "--dev-cta=1"}), pistaDe("fan"), "--dev-cta no lleva valor."));
   EXPECT_TRUE(llamadaMal(valdor(c, {"fan", "--lanzar", "--lanzar"}), pistaDe("fan"), "repetida"));
   for (const char* mes : {"0", "13", "-1", "1.5", " 3", "x"})
