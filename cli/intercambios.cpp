@@ -146,7 +146,8 @@ void ponSustitucion(PaginaIntercambio& pagina, const std::string& valor) {
   pagina.Text3 = parteSustituida(partes[0], 2, 1, 99, "el año"_cp);
   pagina.Text4 = parteSustituida(partes[1], 2, 1, 12, "el mes");
   const std::string serie = mayusculasAscii(partes[2]);
-  const bool serieValida = serie.size() == 1 && ((serie[0] >= 'A' && serie[0] <= 'Z') || (serie[0] >= '0' && serie[0] <= '9'));
+  const bool serieValida =
+      serie.size() == 1 && ((serie[0] >= 'A' && serie[0] <= 'Z') || (serie[0] >= '0' && serie[0] <= '9'));
   if (!serieValida)
     throw ErrorLlamada("--sustituye: la serie ha de ser una letra de la A a la Z o una cifra: \"" + partes[2] + "\".");
   pagina.Text5 = serie;

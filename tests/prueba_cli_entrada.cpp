@@ -170,7 +170,7 @@ TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyuda) {
                          "Falta el valor de --emisor."));
   EXPECT_TRUE(llamadaMal(valdor(c, {"ajustes", "--emisor", "A\nB"}), ajustes, "carácter de control"));
   EXPECT_TRUE(llamadaMal(valdor(c, {"ajustes", "suelto"}), ajustes, "Sobra \"suelto\""));
-  EXPECT_TRUE(llamadaMal(valdor(c, {"revisar", ""}), pistaDe("revisar"), "Falta el nombre del fichero que se ha de revisar"));
+  EXPECT_TRUE(llamadaMal(valdor(c, {"revisar", ""}), pistaDe("revisar"), "Falta el nombre del fichero"));
   EXPECT_TRUE(llamadaMal(valdor(c, {"fan", "--dev-cta=1"}), pistaDe("fan"), "--dev-cta no lleva valor."));
   EXPECT_TRUE(llamadaMal(valdor(c, {"fan", "--lanzar", "--lanzar"}), pistaDe("fan"), "repetida"));
   for (const char* mes : {"0", "13", "-1", "1.5", " 3", "x"})
@@ -348,8 +348,9 @@ TEST_F(CliOficina, ElBoletinSoloSaleAUnaImpresoraConocidaOAUnFicheroDeTrabajo) {
     return valdor(c, mas);
   };
   const auto antes = ficheros();
-  for (const std::string& puerto : std::vector<std::string>{"/dev/lp0", (c / "fuera.txt").string(), "../fuera.txt", "sub/boletin.txt", "CON",
-                                   "COM1", "LPT4", "..", " boletin.txt", "a*b"})
+  const std::vector<std::string> puertos{"/dev/lp0", (c / "fuera.txt").string(), "../fuera.txt", "sub/boletin.txt",
+                                         "CON", "COM1", "LPT4", "..", " boletin.txt", "a*b"};
+  for (const std::string& puerto : puertos)
     EXPECT_TRUE(llamadaMal(imprimir({"--puerto", puerto}), pistaDe("imprimir"), "El puerto de la impresora")) << puerto;
   for (const char* empresa : {"4112340987", "411234098766", "41 1234098 76", "4112340987X"})
     EXPECT_TRUE(llamadaMal(valdor(c, {"imprimir", "--empresa", empresa}), pistaDe("imprimir"), "--empresa espera"))
