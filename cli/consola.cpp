@@ -15,6 +15,7 @@ void escribeLinea(std::ostream& salida, std::string_view cp1252) {
 
 void DialogosConsola::mensaje(std::string_view titulo, std::string_view texto, Icono icono) {
   if (icono == Icono::Critico) ++errores_;
+  if (icono == Icono::Exclamacion) ++avisos_;
   escribe(std::cerr, titulo);
   std::cerr << ": ";
   escribeLinea(std::cerr, texto);

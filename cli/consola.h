@@ -27,10 +27,14 @@ class DialogosConsola : public Dialogos {
 
   // Number of messages shown with the critical icon: a job that met one has failed.
   int errores() const { return errores_; }
+  // Number of messages shown with the exclamation icon: warnings, such as a store that
+  // stopped a list or a run part way; each order decides what they mean for it.
+  int avisos() const { return avisos_; }
 
  private:
   bool respuesta_;
   int errores_ = 0;
+  int avisos_ = 0;
 };
 
 }  // namespace valdor::cli

@@ -1,5 +1,6 @@
 // valdor-cli fan and afi: the two exchanges, as the wizard and its forms run them.
 
+#include <algorithm>
 #include <iostream>
 
 #include "cli/consola.h"
@@ -61,20 +62,8 @@ struct FormulariosDeConsola : FormulariosIntercambio {
     sel.calificadorElegido = calificador;
     PRESIONBOTON(programa, pagina, sel);
     sel.devEnCta = devEnCta;
-    if (empresas.empty()) {
-      marcaTodas(sel, true);
-    } else {
-      for (const std::string& codigo : empresas) {
-        bool hallada = false;
-        for (FilaEmpresa& f : sel.grid)
-          if (recorta(f.BSSE) == recorta(codigo)) f.marcada = hallada = true;
-        if (!hallada)
-          programa.dialogos().mensaje(tituloValdor(),
-                                      "La empresa " + codigo + std::string(" no tiene nóminas calculadas en el mes."_cp),
-                                      Icono::Critico);
-      }
-    }
-    if (puedeProcesar(programa, sel)) {
+    const bool marcadas = empresas.empty() ? (marcaTodas(sel, true), true) : marcaEmpresas(sel);
+    if (marcadas && puedeProcesar(programa, sel)) {
       resultado = comando(programa, pagina, sel, motor);
       if (!resultado) cancelaCOTIZACION(programa);
     } else {
@@ -85,6 +74,24 @@ struct FormulariosDeConsola : FormulariosIntercambio {
   void AFILIA() override {}
   void EDITOR() override {}
 
+  // Marks the companies of the call. Each one that the month's list does not have is
+  // told, and then none is processed: a file without a company that was asked for would
+  // pass for the one that was wanted.
+  bool marcaEmpresas(valdor::COTIZACION& sel) {
+    bool todas = true;
+    for (const std::string& codigo : empresas) {
+      bool hallada = false;
+      for (FilaEmpresa& f : sel.grid)
+        if (recorta(f.BSSE) == codigo) f.marcada = hallada = true;
+      if (!hallada)
+        programa.dialogos().mensaje(tituloValdor(),
+                                    "La empresa " + codigo + std::string(" no tiene nóminas calculadas en el mes."_cp),
+                                    Icono::Critico);
+      todas = todas && hallada;
+    }
+    return todas;
+  }
+
   Programa& programa;
   PaginaIntercambio& pagina;
   MotorCotizacion& motor;
@@ -94,24 +101,98 @@ struct FormulariosDeConsola : FormulariosIntercambio {
   std::optional<std::string> resultado;
 };
 
-// The end of an exchange: its Windows path, then the native one as the last line.
+// The end of an exchange: its Windows path, then the native one as the last line. The
+// writers' exclamations all say the file is not whole or not right (a store stopped a
+// company's workers or the pending list, a worker's line was cut, workers did not fit):
+// the file stays for the user to see, and the job has failed.
 int informaFichero(Programa& programa, const std::optional<std::string>& fichero, const DialogosConsola& dialogos) {
   if (!fichero) return SALIDAFALLO;
   escribeLinea(std::cout, "Fichero de intercambio: " + *fichero);
   escribeLinea(std::cout, utf8ACp1252(rutaNativa(*fichero, programa.entornoWine).string()));
-  return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+  return dialogos.errores() > 0 || dialogos.avisos() > 0 ? SALIDAFALLO : SALIDABIEN;
 }
 
 Modo modoDe(const std::string& texto) {
   if (texto == "normal") return Modo::Normal;
   if (texto == "pruebas") return Modo::Pruebas;
-  if (texto == "sustitucion" || texto == "sustitución") return Modo::Sustitucion;
+  if (texto == "sustitucion" || texto == "sustitución"_cp) return Modo::Sustitucion;
   throw ErrorLlamada("--modo espera normal, pruebas o sustitucion: " + texto + ".");
 }
 
-// The wizard's page from the options: the start, the page prepared for the message, and
-// the name, mode, replaced send and AFI keys typed into their boxes.
-void preparaPaginaDeOpciones(const Opciones& o, Programa& programa, PaginaIntercambio& pagina, bool cotizacion) {
+bool soloCifras(std::string_view texto) {
+  return !texto.empty() && std::all_of(texto.begin(), texto.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+// One number of the replaced send: 1 to `ancho` digits (the box takes it by value) within
+// [minimo, maximo].
+std::string parteSustituida(const std::string& parte, std::size_t ancho, int minimo, int maximo,
+                            std::string_view que) {
+  const bool forma = soloCifras(parte) && parte.size() <= ancho;
+  const int n = forma ? std::stoi(parte) : -1;
+  if (n < minimo || n > maximo)
+    throw ErrorLlamada("--sustituye: " + std::string(que) + std::string(" ha de ser un número de 1 a "_cp) +
+                       std::to_string(ancho) + std::string(" cifras, de "_cp) + std::to_string(minimo) + " a " +
+                       std::to_string(maximo) + ": \"" + parte + "\".");
+  return parte;
+}
+
+// "--sustituye AA,MM,S,EEEEE,DDDD" into the boxes of the replacement panel. The year is
+// not 0, which would leave the reference in zeros; the series is one letter or digit,
+// since an empty one would move the rest of the reference out of its place.
+void ponSustitucion(PaginaIntercambio& pagina, const std::string& valor) {
+  const auto partes = trocea(valor, ',');
+  if (partes.size() != 5)
+    throw ErrorLlamada("--sustituye espera cinco partes separadas por comas, AA,MM,S,EEEEE,DDDD: \"" + valor + "\".");
+  pagina.Text3 = parteSustituida(partes[0], 2, 1, 99, "el año"_cp);
+  pagina.Text4 = parteSustituida(partes[1], 2, 1, 12, "el mes");
+  const std::string serie = mayusculasAscii(partes[2]);
+  const bool serieValida =
+      serie.size() == 1 && ((serie[0] >= 'A' && serie[0] <= 'Z') || (serie[0] >= '0' && serie[0] <= '9'));
+  if (!serieValida)
+    throw ErrorLlamada("--sustituye: la serie ha de ser una letra de la A a la Z o una cifra: \"" + partes[2] + "\".");
+  pagina.Text5 = serie;
+  pagina.Text6 = parteSustituida(partes[3], 5, 0, 99999, std::string("el número de envío"_cp));
+  pagina.Text7 = parteSustituida(partes[4], 4, 0, 9999, "el documento");
+}
+
+// "--empresas C1,C2,...": at least one code, each a company code, none empty or twice.
+std::vector<std::string> empresasDeLaOrden(const std::string& valor) {
+  std::vector<std::string> codigos;
+  for (const std::string& parte : trocea(valor, ',')) {
+    const std::string codigo = recorta(parte);
+    if (codigo.empty())
+      throw ErrorLlamada(std::string("--empresas lleva un código vacío: \""_cp) + valor +
+                         "\". Separe los códigos con una coma, sin comas de más.");
+    if (std::find(codigos.begin(), codigos.end(), codigo) != codigos.end())
+      throw ErrorLlamada("--empresas repite la empresa " + codigo + ".");
+    codigos.push_back(codigoEmpresa(codigo, "--empresas"));
+  }
+  return codigos;
+}
+
+// The boxes of the page that the options fill, read and checked before any work: the
+// name, the mode, the replaced send and the AFI keys. Text8 stays empty without --nombre.
+PaginaIntercambio cajasDeOpciones(const Opciones& o) {
+  PaginaIntercambio cajas;
+  if (const auto n = o.texto("--nombre")) {
+    if (const auto rechazo = nombreIntercambioRechazado(*n)) throw ErrorLlamada(*rechazo);
+    cajas.Text8 = reglaNombre(*n);
+  }
+  if (const auto m = o.texto("--modo")) cajas.ponModo(modoDe(*m));
+  if (const auto s = o.texto("--sustituye")) {
+    if (!o.tiene("--modo")) cajas.ponModo(Modo::Sustitucion);
+    if (cajas.modo != Modo::Sustitucion) throw ErrorLlamada("--sustituye va con --modo sustitucion.");
+    ponSustitucion(cajas, *s);
+  }
+  if (const auto c = o.texto("--clave")) cajas.Text10 = caja(*c, ANCHOCLAVEAFI, "--clave");
+  if (const auto c = o.texto("--nueva-clave")) cajas.Text11 = caja(*c, ANCHOCLAVEAFI, "--nueva-clave");
+  return cajas;
+}
+
+// The wizard's page: the start, the page prepared for the message, and the boxes the
+// options filled typed into it.
+void preparaPaginaDeOpciones(const Opciones& o, const PaginaIntercambio& cajas, Programa& programa,
+                             PaginaIntercambio& pagina, bool cotizacion) {
   programa.arranca();
   cargaAsistente(programa, pagina, nullptr);
   pagina.SSPanel2Visible = true;
@@ -121,24 +202,17 @@ void preparaPaginaDeOpciones(const Opciones& o, Programa& programa, PaginaInterc
     pagina.marcaAfiliacion();
   }
   preparaPagina(programa, pagina, cotizacion);
-  if (const auto n = o.texto("--nombre")) {
-    if (recorta(*n).empty()) throw ErrorLlamada(std::string(textoNombreNoValido()));
-    pagina.Text8 = reglaNombre(caja(*n, ANCHONOMBREFICHERO, "--nombre"));
+  if (o.tiene("--nombre")) pagina.Text8 = cajas.Text8;
+  pagina.ponModo(cajas.modo);
+  if (cajas.modo == Modo::Sustitucion) {
+    pagina.Text3 = cajas.Text3;
+    pagina.Text4 = cajas.Text4;
+    pagina.Text5 = cajas.Text5;
+    pagina.Text6 = cajas.Text6;
+    pagina.Text7 = cajas.Text7;
   }
-  if (const auto m = o.texto("--modo")) pagina.ponModo(modoDe(*m));
-  if (const auto s = o.texto("--sustituye")) {
-    if (!o.tiene("--modo")) pagina.ponModo(Modo::Sustitucion);
-    if (pagina.modo != Modo::Sustitucion) throw ErrorLlamada("--sustituye va con --modo sustitucion.");
-    const auto partes = trocea(*s, ',');
-    if (partes.size() != 5) throw ErrorLlamada("--sustituye espera AA,MM,S,EEEEE,DDDD.");
-    pagina.Text3 = caja(partes[0], 2, std::string("El año del envío sustituido"_cp));
-    pagina.Text4 = caja(partes[1], 2, std::string("El mes del envío sustituido"_cp));
-    pagina.Text5 = caja(partes[2], 1, std::string("La serie del envío sustituido"_cp));
-    pagina.Text6 = caja(partes[3], 5, std::string("El número de envío sustituido"_cp));
-    pagina.Text7 = caja(partes[4], 4, std::string("El documento sustituido"_cp));
-  }
-  if (const auto c = o.texto("--clave")) pagina.Text10 = caja(*c, ANCHOCLAVEAFI, "--clave");
-  if (const auto c = o.texto("--nueva-clave")) pagina.Text11 = caja(*c, ANCHOCLAVEAFI, "--nueva-clave");
+  if (o.tiene("--clave")) pagina.Text10 = cajas.Text10;
+  if (o.tiene("--nueva-clave")) pagina.Text11 = cajas.Text11;
 }
 
 }  // namespace
@@ -153,10 +227,7 @@ int ordenFan(const Llamada& llamada) {
   PaginaIntercambio pagina;
   FormulariosDeConsola formularios(programa, pagina, motor);
 
-  int mes = 0, ano = 0;
-  mesAnterior(llamada.ahora, mes, ano);
-  formularios.mes = o.entero("--mes", 1, 12).value_or(mes);
-  formularios.ano = o.entero("--ano", 1901, 2100).value_or(ano);
+  periodoDeLaOrden(o, llamada.ahora, formularios.mes, formularios.ano);
   if (const auto c = o.texto("--clase")) {
     formularios.clase = indiceDeCodigo(COTIZACION::clases(), *c, 3);
     if (formularios.clase < 0) throw ErrorLlamada(std::string("Clase de liquidación desconocida: "_cp) + *c + ".");
@@ -165,12 +236,11 @@ int ordenFan(const Llamada& llamada) {
     formularios.calificador = indiceDeCodigo(COTIZACION::calificadores(), *c, 2);
     if (formularios.calificador < 0) throw ErrorLlamada("Calificador desconocido: " + *c + ".");
   }
-  if (const auto e = o.texto("--empresas"))
-    for (const std::string& codigo : trocea(*e, ','))
-      if (!recorta(codigo).empty()) formularios.empresas.push_back(recorta(codigo));
+  if (const auto e = o.texto("--empresas")) formularios.empresas = empresasDeLaOrden(*e);
   formularios.devEnCta = o.tiene("--dev-cta");
+  const PaginaIntercambio cajas = cajasDeOpciones(o);
 
-  preparaPaginaDeOpciones(o, programa, pagina, true);
+  preparaPaginaDeOpciones(o, cajas, programa, pagina, true);
 
   SinLanzar sinLanzar;
   LanzadorDelSistema delSistema;
@@ -213,7 +283,8 @@ int ordenAfi(const Llamada& llamada) {
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   PaginaIntercambio pagina;
   FormulariosAfiliacion formularios(programa, pagina, o.tiene("--borrar-pendientes"));
-  preparaPaginaDeOpciones(o, programa, pagina, false);
+  const PaginaIntercambio cajas = cajasDeOpciones(o);
+  preparaPaginaDeOpciones(o, cajas, programa, pagina, false);
   SinLanzar sinLanzar;
   Command3(programa, pagina, formularios, sinLanzar, programa.entornoWine);
   programa.termina();

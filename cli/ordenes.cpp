@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <iostream>
 
+#include "cli/ayuda.h"
 #include "cli/consola.h"
 #include "engine/cotval.h"
 #include "engine/motor.h"
@@ -10,6 +11,7 @@
 #include "fan/seleccion.h"
 #include "shell/ajustes.h"
 #include "shell/programa.h"
+#include "stores/fechas.h"
 #include "stores/literales.h"
 #include "stores/oficina_muestra.h"
 #include "stores/texto.h"
@@ -18,21 +20,45 @@ namespace valdor::cli {
 
 // ---- Options -------------------------------------------------------------------------
 
+namespace {
+
+bool esDe(const std::vector<std::string>& lista, const std::string& a) {
+  return std::find(lista.begin(), lista.end(), a) != lista.end();
+}
+
+bool soloCifras(std::string_view texto) {
+  return !texto.empty() && std::all_of(texto.begin(), texto.end(), [](char c) { return c >= '0' && c <= '9'; });
+}
+
+}  // namespace
+
 Opciones::Opciones(const std::vector<std::string>& argumentos, const std::vector<std::string>& conValor,
                    const std::vector<std::string>& banderas) {
-  auto esDe = [](const std::vector<std::string>& lista, const std::string& a) {
-    return std::find(lista.begin(), lista.end(), a) != lista.end();
-  };
   for (std::size_t i = 0; i < argumentos.size(); ++i) {
     const std::string& a = argumentos[i];
-    if (esDe(banderas, a)) {
-      valores_[a] = "";
-    } else if (esDe(conValor, a)) {
-      if (i + 1 >= argumentos.size()) throw ErrorLlamada("Falta el valor de " + a + ".");
-      valores_[a] = argumentos[++i];
-    } else {
-      throw ErrorLlamada(std::string("Opción desconocida para esta orden: "_cp) + utf8ACp1252(a) + ".");
+    if (pideAyuda(a)) throw AyudaPedida{};
+    const std::size_t igual = a.starts_with("--") ? a.find('=') : std::string::npos;
+    const std::string nombre = a.substr(0, igual);
+    const std::string mostrado = utf8ACp1252(nombre);
+    if (esDe(banderas, nombre)) {
+      if (igual != std::string::npos) throw ErrorLlamada(mostrado + " no lleva valor.");
+    } else if (!esDe(conValor, nombre)) {
+      if (a.starts_with("-"))
+        throw ErrorLlamada(std::string("Opción desconocida para esta orden: "_cp) + mostrado + ".");
+      throw ErrorLlamada("Sobra \"" + utf8ACp1252(a) + "\": esta orden solo lleva opciones.");
     }
+    if (tiene(nombre)) throw ErrorLlamada(std::string("La opción "_cp) + mostrado + std::string(" está repetida."_cp));
+    std::string valor;
+    if (igual != std::string::npos) {
+      valor = a.substr(igual + 1);
+    } else if (esDe(conValor, nombre)) {
+      if (i + 1 >= argumentos.size() || argumentos[i + 1].starts_with("--"))
+        throw ErrorLlamada("Falta el valor de " + mostrado + ".");
+      valor = argumentos[++i];
+    }
+    if (esDe(conValor, nombre) && valor.empty())
+      throw ErrorLlamada(std::string("El valor de "_cp) + mostrado + std::string(" está vacío."_cp));
+    valores_[nombre] = valor;
   }
 }
 
@@ -46,26 +72,35 @@ std::optional<std::string> Opciones::texto(const std::string& nombre) const {
                        std::string(" tiene caracteres que no existen en Windows-1252, el juego de caracteres "
                                    "de los ficheros de intercambio: "_cp) +
                        cp + ".");
+  if (std::any_of(cp.begin(), cp.end(), [](char c) { return static_cast<unsigned char>(c) < 0x20 || c == 0x7F; }))
+    throw ErrorLlamada("El valor de " + nombre + std::string(" lleva un carácter de control."_cp));
   return cp;
 }
 
-std::optional<int> Opciones::entero(const std::string& nombre, int minimo, int maximo) const {
+std::optional<int> Opciones::entero(const std::string& nombre, int minimo, int maximo, std::size_t cifras) const {
   const auto t = texto(nombre);
   if (!t) return std::nullopt;
-  const std::string limpio = recorta(*t);
-  const bool digitos = !limpio.empty() && limpio.size() <= 9 &&
-                       std::all_of(limpio.begin(), limpio.end(), [](char c) { return c >= '0' && c <= '9'; });
-  const int n = digitos ? std::stoi(limpio) : minimo - 1;
+  const bool forma = soloCifras(*t) && t->size() <= 9 && (cifras == 0 || t->size() == cifras);
+  const int n = forma ? std::stoi(*t) : minimo - 1;
   if (n < minimo || n > maximo)
     throw ErrorLlamada(nombre + std::string(" espera un número entre "_cp) + std::to_string(minimo) + " y " +
-                       std::to_string(maximo) + ": " + *t + ".");
+                       std::to_string(maximo) +
+                       (cifras == 0 ? std::string() : ", con " + std::to_string(cifras) + " cifras") + ": " + *t + ".");
   return n;
 }
 
 void periodoDeLaOrden(const Opciones& o, const Momento& ahora, int& mes, int& ano) {
   mesAnterior(ahora, mes, ano);
   if (const auto m = o.entero("--mes", 1, 12)) mes = *m;
-  if (const auto a = o.entero("--ano", 1901, 2100)) ano = *a;
+  if (const auto a = o.entero("--ano", 1901, 2100, 4)) ano = *a;
+}
+
+std::string codigoEmpresa(const std::string& valor, const std::string& opcion) {
+  if (valor.size() != ANCHOCODIGOEMPRESA || !soloCifras(valor))
+    throw ErrorLlamada(opcion + std::string(" espera un código de cuenta de cotización de "_cp) +
+                       std::to_string(ANCHOCODIGOEMPRESA) + std::string(" cifras, como 28107654331: «"_cp) + valor +
+                       std::string("»."_cp));
+  return valor;
 }
 
 namespace {
@@ -108,6 +143,12 @@ void muestraAjustes(const REGINTERCAMBIO& r, std::string_view emisor) {
   escribeLinea(std::cout, "Ruta de Winsuite: " + recorta(r.RUTAWINSUITE));
 }
 
+// A date written whole in the row's mask, "dd/mm/aaaa", that exists on the calendar.
+bool esFechaCompleta(const std::string& texto) {
+  const bool sinBlancos = texto.find(' ') == std::string::npos;
+  return texto.size() == ANCHOFECHAAUTORIZA && sinBlancos && encajaMascaraFecha(texto) && leeFechaDMA(texto).has_value();
+}
+
 // A value typed into a row of the configuration grid: the grid takes no more than the
 // row's limit, nor a date outside its mask.
 void ponFila(FilaConfiguracion& fila, const std::optional<std::string>& valor, const std::string& opcion) {
@@ -115,9 +156,25 @@ void ponFila(FilaConfiguracion& fila, const std::optional<std::string>& valor, c
   if (valor->size() > fila.limite)
     throw ErrorLlamada(opcion + " admite " + std::to_string(fila.limite) + std::string(" caracteres como máximo ("_cp) +
                        fila.etiqueta + ").");
-  if (!fila.mascara.empty() && !encajaMascaraFecha(*valor))
-    throw ErrorLlamada(opcion + " espera una fecha con la forma dd/mm/aaaa: " + *valor + ".");
+  if (!fila.mascara.empty() && !esFechaCompleta(*valor))
+    throw ErrorLlamada(opcion + " espera una fecha que exista, con la forma dd/mm/aaaa: " + *valor + ".");
   fila.valor = *valor;
+}
+
+// Every value checked before the settings are opened, against the widths of the
+// configuration grid's rows and of the sender's name, and the date against the calendar.
+void compruebaAjustes(const Opciones& o) {
+  const std::pair<std::string, std::size_t> anchos[] = {{"--clave-autorizacion", ANCHOCLAVEAUTORIZA},
+                                                        {"--clave-silcon", ANCHOCLAVESILCON},
+                                                        {"--fecha-autorizacion", ANCHOFECHAAUTORIZA},
+                                                        {"--ruta-winsuite", ANCHORUTAWINSUITE},
+                                                        {"--emisor", ANCHOEMISOR}};
+  for (const auto& [opcion, ancho] : anchos)
+    if (const auto valor = o.texto(opcion); valor && valor->size() > ancho)
+      throw ErrorLlamada(opcion + " admite " + std::to_string(ancho) +
+                         std::string(" caracteres como máximo: "_cp) + *valor + ".");
+  if (const auto fecha = o.texto("--fecha-autorizacion"); fecha && !esFechaCompleta(*fecha))
+    throw ErrorLlamada("--fecha-autorizacion espera una fecha que exista, con la forma dd/mm/aaaa: " + *fecha + ".");
 }
 
 }  // namespace
@@ -126,6 +183,7 @@ int ordenAjustes(const Llamada& llamada) {
   const Opciones o(llamada.argumentos,
                    {"--clave-autorizacion", "--clave-silcon", "--fecha-autorizacion", "--ruta-winsuite", "--emisor"},
                    {});
+  compruebaAjustes(o);
   const auto& carpeta = llamada.carpetas.trabajo;
   FicheroAjustes fichero(carpeta);
   std::string emisor = leeEmisor(carpeta);
@@ -134,8 +192,6 @@ int ordenAjustes(const Llamada& llamada) {
                       o.tiene("--fecha-autorizacion") || o.tiene("--ruta-winsuite");
   {
     if (const auto nombre = o.texto("--emisor")) {
-      if (nombre->size() > ANCHOEMISOR)
-        throw ErrorLlamada("--emisor admite " + std::to_string(ANCHOEMISOR) + std::string(" caracteres como máximo."_cp));
       guardaEmisor(carpeta, *nombre);
       emisor = *nombre;
     }
@@ -180,19 +236,39 @@ int ordenEmpresas(const Llamada& llamada) {
   return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
 }
 
+namespace {
+
+// The port of the statement: --puerto, else VALDOR_IMPRESORA, else LPT1. A refused
+// --puerto is a wrong call; a refused VALDOR_IMPRESORA, a job that cannot start.
+std::filesystem::path puertoDeLaOrden(const Opciones& o, const Programa& programa) {
+  if (const auto puerto = o.texto("--puerto")) {
+    if (const auto rechazo = puertoRechazado(*puerto)) throw ErrorLlamada(*rechazo);
+    return rutaPuerto(*puerto, programa.carpetas().trabajo);
+  }
+  const std::string puerto = nombrePuerto(programa.g.PUERTOIMPRESORA);
+  if (const auto rechazo = puertoRechazado(puerto)) throw ErrorTrabajo("VALDOR_IMPRESORA: " + *rechazo);
+  return rutaPuerto(puerto, programa.carpetas().trabajo);
+}
+
+}  // namespace
+
 int ordenImprimir(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--mes", "--ano", "--empresa", "--puerto"}, {"--red"});
   int mes = 0, ano = 0;
   periodoDeLaOrden(o, llamada.ahora, mes, ano);
   const auto empresa = o.texto("--empresa");
-  if (!empresa || recorta(*empresa).empty()) throw ErrorLlamada("imprimir espera --empresa CODIGO.");
+  if (!empresa) throw ErrorLlamada("imprimir espera --empresa CODIGO.");
+  const std::string codigo = codigoEmpresa(*empresa, "--empresa");
+  if (const auto puerto = o.texto("--puerto"))
+    if (const auto rechazo = puertoRechazado(*puerto)) throw ErrorLlamada(*rechazo);
 
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   programa.arranca();
+  const auto ruta = puertoDeLaOrden(o, programa);
   const auto lista = empresasDelMes(programa.almacenes, mes, ano);
-  if (std::none_of(lista.begin(), lista.end(), [&](const auto& e) { return recorta(e.BSSE) == recorta(*empresa); }))
-    throw ErrorTrabajo("La empresa " + *empresa + std::string(" no tiene nóminas calculadas en "_cp) + dosCifras(mes) +
+  if (std::none_of(lista.begin(), lista.end(), [&](const auto& e) { return recorta(e.BSSE) == codigo; }))
+    throw ErrorTrabajo("La empresa " + codigo + std::string(" no tiene nóminas calculadas en "_cp) + dosCifras(mes) +
                        "/" + std::to_string(ano) + ".");
 
   // The company's statement as the statement form holds it after its TC1 run.
@@ -201,22 +277,25 @@ int ordenImprimir(const Llamada& llamada) {
   EjecucionTC1 e;
   e.mes = mes;
   e.ano = ano;
-  e.empresa = recorta(*empresa);
+  e.empresa = codigo;
   e.empresaCalculada = [&](const COTVAL& calculo) {
     boletin = calculo.boletin;
     grid = calculo.GRID1;
   };
   ejecutaTC1(programa, e);
+  // A store that failed during the run leaves the statement short: it is not printed.
+  if (dialogos.errores() > 0 || dialogos.avisos() > 0)
+    throw ErrorTrabajo(std::string("El boletín de la empresa "_cp) + codigo +
+                       std::string(" no se imprime: el cálculo no ha terminado bien."_cp));
 
   REGINTERCAMBIO registro = registroEnBlanco();
   FicheroAjustes(programa.carpetas().trabajo).lee(registro);
-  const std::string puerto = nombrePuerto(o.texto("--puerto").value_or(programa.g.PUERTOIMPRESORA));
-  const auto ruta = rutaPuerto(puerto, programa.carpetas().trabajo);
   const bool impreso = IMPRIMEBOLETIN(boletin, grid, leerred(registro, o.tiene("--red")), ruta, dialogos);
   programa.termina();
-  if (!impreso) return SALIDAFALLO;
+  if (!impreso)
+    throw ErrorTrabajo(std::string("No se ha podido imprimir el boletín en "_cp) + utf8ACp1252(ruta.string()) + ".");
   escribeLinea(std::cout, utf8ACp1252(ruta.string()));
-  return SALIDABIEN;
+  return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
 }
 
 }  // namespace valdor::cli

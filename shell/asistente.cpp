@@ -128,6 +128,44 @@ std::string reglaNombre(std::string_view nombre) {
   return llenaDer(limpio, ANCHONOMBREFICHERO, '0');
 }
 
+namespace {
+
+bool caracterDeNombre(char c) {
+  return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') || (c >= '0' && c <= '9') || c == '_' || c == '-';
+}
+
+bool nombreDeDispositivo(std::string_view nombre) {
+  const std::string n = mayusculasAscii(nombre);
+  if (n == "CON" || n == "PRN" || n == "AUX" || n == "NUL") return true;
+  return n.size() == 4 && (n.starts_with("COM") || n.starts_with("LPT")) && n[3] >= '1' && n[3] <= '9';
+}
+
+// Why a trimmed name is refused, as the middle of the refusal; empty when it is taken.
+std::string motivoRechazoNombre(std::string_view nombre) {
+  if (nombre.empty()) return std::string("está en blanco"_cp);
+  if (nombre.size() > ANCHONOMBREFICHERO) return "tiene " + std::to_string(nombre.size()) + " caracteres";
+  for (const char c : nombre) {
+    if (caracterDeNombre(c)) continue;
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7F) return std::string("lleva un carácter de control"_cp);
+    return std::string("lleva el carácter «"_cp) + c + std::string("»"_cp);
+  }
+  if (nombreDeDispositivo(nombre)) return "es un nombre que Windows reserva para un dispositivo";
+  return "";
+}
+
+}  // namespace
+
+std::optional<std::string> nombreIntercambioRechazado(std::string_view nombre) {
+  const std::string limpio = recorta(nombre);
+  const std::string motivo = motivoRechazoNombre(limpio);
+  if (motivo.empty()) return std::nullopt;
+  return std::string("El nombre del fichero de intercambio «"_cp) + limpio + std::string("» no es válido: "_cp) +
+         motivo +
+         ". Ha de tener de 1 a 8 caracteres, solo letras de la A a la Z, cifras, guion (-) o guion bajo (_), y no "
+         "puede ser un nombre reservado de Windows (CON, PRN, AUX, NUL, COM1 a COM9, LPT1 a LPT9).";
+}
+
 std::string referenciaSustitucion(const PaginaIntercambio& pagina) {
   if (valorNumerico(pagina.Text3) == 0) return std::string(14, '0');
   auto numero = [](std::string_view caja, std::size_t ancho) {
@@ -163,6 +201,7 @@ std::string LINEASIL(PaginaIntercambio& pagina) {
 // ---- Paths --------------------------------------------------------------------------------
 
 std::string nombreFicheroIntercambio(const PaginaIntercambio& pagina) {
+  if (const auto rechazo = nombreIntercambioRechazado(pagina.Text8)) throw ErrorValdor(*rechazo);
   return recorta(pagina.Text8) + "." + recorta(pagina.Label10);
 }
 

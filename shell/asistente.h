@@ -99,6 +99,16 @@ void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacio
 // A longer name is only put in upper case; a blank name stays blank.
 std::string reglaNombre(std::string_view nombre);
 
+// The names the exchange folder takes. The name is the trimmed name box: 1 to 8
+// characters (the box's width), each a letter A to Z, a digit, "_" or "-"; a small letter
+// counts as its capital, since the name rule puts the name in upper case. So no blank
+// inside, no dot (nor "." or ".."), no path separator, no accented letter and none of the
+// characters Windows forbids in a name. Nor a name Windows keeps for its devices (CON,
+// PRN, AUX, NUL, COM1 to COM9, LPT1 to LPT9): it would name a device, not a file.
+// std::nullopt for a name the folder takes; otherwise the message that refuses it, which
+// says why and states the rule. The desktop wizard and the command line both ask it.
+std::optional<std::string> nombreIntercambioRechazado(std::string_view nombre);
+
 // The reference of the replaced send (positions 55 to 68 of the ETI line): Año (2), Mes
 // (2), Serie (trimmed, unfilled), Envío (5), Doc (4), each number by value with zeros on
 // the left; 14 "0" when Año reads 0 (also when it is empty).
@@ -115,7 +125,9 @@ std::string LINEASIL(PaginaIntercambio& pagina);
 
 // ---- The exchange file's path ---------------------------------------------------------
 
-// The file name: the trimmed name box, ".", the trimmed extension.
+// The file name: the trimmed name box, ".", the trimmed extension. A name box that the
+// exchange folder refuses (see `nombreIntercambioRechazado`) is an ErrorValdor with that
+// message: no writer ever builds a path outside its folder.
 std::string nombreFicheroIntercambio(const PaginaIntercambio& pagina);
 
 // The start of every path of the tool's folders: the route of the tool trimmed and in

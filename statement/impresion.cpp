@@ -1,6 +1,7 @@
 #include "statement/impresion.h"
 
 #include <fcntl.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
@@ -8,6 +9,7 @@
 #include "shell/ajustes.h"
 #include "shell/dialogos.h"
 #include "statement/hojatc2.h"
+#include "stores/error.h"
 #include "stores/ficheros.h"
 #include "stores/literales.h"
 #include "stores/numeros.h"
@@ -47,11 +49,57 @@ std::string nombrePuerto(std::string_view puerto) {
   return std::string(puerto);
 }
 
-std::filesystem::path rutaPuerto(std::string_view nombre, const std::filesystem::path& carpetaTrabajo) {
-  const std::string n = mayusculasAscii(recorta(nombre));
+namespace {
+
+constexpr std::size_t LARGOMAXIMOFICHERO = 255;
+
+// The device of a printer the program knows, or std::nullopt.
+std::optional<std::filesystem::path> dispositivoImpresora(std::string_view nombre) {
+  const std::string n = mayusculasAscii(nombre);
+  if (n == "PRN") return "/dev/lp0";
   if (n == "LPT1" || n == "LPT2" || n == "LPT3") return "/dev/lp" + std::to_string(n[3] - '1');
-  const std::filesystem::path ruta(recorta(nombre));
-  return ruta.is_absolute() ? ruta : carpetaTrabajo / ruta;
+  return std::nullopt;
+}
+
+bool dispositivoDeWindows(std::string_view nombre) {
+  const std::string n = mayusculasAscii(nombre);
+  if (n == "CON" || n == "AUX" || n == "NUL") return true;
+  return n.size() == 4 && (n.starts_with("COM") || n.starts_with("LPT")) && n[3] >= '1' && n[3] <= '9';
+}
+
+// Why a port name is refused, as the middle of the refusal; empty when it is taken.
+std::string motivoRechazoPuerto(std::string_view nombre) {
+  if (recorta(nombre).empty()) return std::string("está en blanco"_cp);
+  if (recorta(nombre) != nombre) return "empieza o acaba con un blanco";
+  if (nombre == "." || nombre == "..") return "no es un nombre de fichero";
+  if (nombre.size() > LARGOMAXIMOFICHERO) return "tiene " + std::to_string(nombre.size()) + " caracteres";
+  for (const char c : nombre) {
+    const auto byte = static_cast<unsigned char>(c);
+    if (byte < 0x20 || byte == 0x7F) return std::string("lleva un carácter de control"_cp);
+    if (c == '/' || c == '\\') return "es una ruta, no un nombre de fichero";
+    if (std::string_view("<>:\"|?*").find(c) != std::string_view::npos)
+      return std::string("lleva el carácter «"_cp) + c + std::string("»"_cp);
+  }
+  if (dispositivoDeWindows(nombre)) return "es un dispositivo de Windows que no es una impresora conocida";
+  return "";
+}
+
+}  // namespace
+
+std::optional<std::string> puertoRechazado(std::string_view nombre) {
+  if (dispositivoImpresora(nombre)) return std::nullopt;
+  const std::string motivo = motivoRechazoPuerto(nombre);
+  if (motivo.empty()) return std::nullopt;
+  return std::string("El puerto de la impresora «"_cp) + std::string(nombre) + std::string("» no es válido: "_cp) +
+         motivo +
+         ". Ha de ser LPT1, LPT2 o LPT3 (/dev/lp0 a /dev/lp2), PRN (LPT1) o el nombre de un fichero de la "
+         "carpeta de trabajo, sin carpetas ni los caracteres < > : \" | ? *.";
+}
+
+std::filesystem::path rutaPuerto(std::string_view nombre, const std::filesystem::path& carpetaTrabajo) {
+  if (const auto rechazo = puertoRechazado(nombre)) throw ErrorValdor(*rechazo);
+  if (const auto dispositivo = dispositivoImpresora(nombre)) return *dispositivo;
+  return carpetaTrabajo / std::string(nombre);
 }
 
 namespace {
@@ -166,8 +214,15 @@ std::string textoErrorImpresion(int error) {
 
 // One attempt: the port opened, every line written, closed. 0 or the errno.
 int imprimeUnaVez(const std::filesystem::path& puerto, const std::string& contenido) {
-  const int fd = ::open(puerto.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0644);
+  const bool dispositivo = puerto.parent_path() == "/dev";
+  const int banderas = dispositivo ? O_WRONLY | O_CLOEXEC : O_WRONLY | O_CREAT | O_TRUNC | O_NOFOLLOW | O_CLOEXEC;
+  const int fd = ::open(puerto.c_str(), banderas, 0644);
   if (fd < 0) return errno;
+  struct stat datos {};
+  if (dispositivo && (::fstat(fd, &datos) != 0 || !S_ISCHR(datos.st_mode))) {
+    ::close(fd);
+    return ENODEV;  // a plain file where the printer should be is no printer
+  }
   int error = escribeTodo(fd, contenido, 0);
   if (::close(fd) != 0 && error == 0) error = errno;
   return error;

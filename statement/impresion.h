@@ -4,6 +4,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,16 +34,29 @@ struct TextosRed {
 TextosRed leerred(const REGINTERCAMBIO& registro, bool enviadoPorRed);
 
 // The printer port: the name given, or "LPT1" when it is empty or begins with a NUL or a
-// blank. "LPT1" to "LPT3" are the machine's parallel printers (/dev/lp0 to /dev/lp2);
-// any other name is a device or a file, relative to the work folder.
+// blank.
 std::string nombrePuerto(std::string_view puerto);
+
+// The ports a statement may be printed on. The printers the program knows: "LPT1" to
+// "LPT3", the machine's parallel printers /dev/lp0 to /dev/lp2, and "PRN", Windows' other
+// name for LPT1 (small letters count as capitals). Any other port is a plain file name,
+// written in the work folder: no blank at either end, no path separator, not "." or
+// "..", no control character nor any of the characters Windows forbids in a name
+// (< > : " | ? *), at most 255 bytes, and not one of the device names Windows keeps
+// (CON, AUX, NUL, COM1 to COM9, LPT4 to LPT9). std::nullopt for a port that is taken;
+// otherwise the message that refuses it, which says why and states the rule.
+std::optional<std::string> puertoRechazado(std::string_view nombre);
+// The path of a port: the printer's device, or the file in the work folder. A port the
+// rule refuses is an ErrorValdor with that message, so nothing is written elsewhere.
 std::filesystem::path rutaPuerto(std::string_view nombre, const std::filesystem::path& carpetaTrabajo);
 
 // The printed lines of the statement (without their CR LF): the heading, the body with
 // the sheet pieces of row 1 of `GRID1`, and the closing lines.
 std::vector<std::string> lineasBoletin(const BOLETIN& b, const TablaTrabajo& GRID1, const TextosRed& red);
 
-// IMPRIMEBOLETIN: the lines sent to the port, each ended by CR LF. An error asks
+// IMPRIMEBOLETIN: the lines sent to the port, each ended by CR LF. A printer's device
+// (a path in /dev) must be there: it is never made as a file. A file port is made or
+// emptied, and a symbolic link in its place is not followed. An error asks
 // "ERROR DE IMPRESION" whether to try again (from the opening of the port); true when
 // the statement was printed, false when the user gave up.
 bool IMPRIMEBOLETIN(const BOLETIN& b, const TablaTrabajo& GRID1, const TextosRed& red,

@@ -19,7 +19,32 @@ namespace valdor {
 
 std::string entreComillas(const std::filesystem::path& ruta) { return "\"" + utf8ACp1252(ruta.string()) + "\""; }
 
-std::string razonDelSistema(int error) { return utf8ACp1252(std::generic_category().message(error)); }
+// The reasons a clerk meets when a file or a folder fails, in Spanish: the C library
+// would give them in English. Any other value keeps its number, so support can look it up.
+std::string razonDelSistema(int error) {
+  switch (error) {
+    case ENOENT: return "no existe el fichero o la carpeta";
+    case EACCES: return std::string("no hay permiso de acceso"_cp);
+    case EPERM: return std::string("la operación no está permitida"_cp);
+    case ENOSPC: return "no queda espacio en el disco";
+    case EDQUOT: return "se ha agotado la cuota de disco del usuario";
+    case EROFS: return std::string("el disco es de solo lectura"_cp);
+    case EISDIR: return "es una carpeta, no un fichero";
+    case ENOTDIR: return "una parte de la ruta no es una carpeta";
+    case EEXIST: return "ya existe";
+    case EBUSY: return std::string("está en uso"_cp);
+    case EAGAIN: return std::string("el recurso no está disponible por ahora; inténtelo de nuevo"_cp);
+    case ENAMETOOLONG: return "el nombre es demasiado largo";
+    case EMFILE: case ENFILE: return "hay demasiados ficheros abiertos";
+    case EIO: return "error de entrada o salida del dispositivo";
+    case ENXIO: case ENODEV: return std::string("el dispositivo no existe o no está conectado"_cp);
+    case ETXTBSY: return std::string("el fichero está en uso por un programa"_cp);
+    case ELOOP: return std::string("hay demasiados enlaces simbólicos en la ruta"_cp);
+    case EFBIG: return "el fichero es demasiado grande";
+    case EINVAL: return std::string("el argumento no es válido"_cp);
+    default: return "error del sistema " + std::to_string(error);
+  }
+}
 
 bool esDiscoLleno(int error) { return error == ENOSPC || error == EDQUOT; }
 

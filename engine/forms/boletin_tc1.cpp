@@ -344,7 +344,13 @@ void TC1VAL::imprime() {
   if (enMarcha_ || !hayBoletin_) return;
   REGINTERCAMBIO registro = registroEnBlanco();
   FicheroAjustes(programa_.carpetas().trabajo).lee(registro);
-  const auto puerto = rutaPuerto(nombrePuerto(programa_.g.PUERTOIMPRESORA), programa_.carpetas().trabajo);
+  std::filesystem::path puerto;
+  try {
+    puerto = rutaPuerto(nombrePuerto(programa_.g.PUERTOIMPRESORA), programa_.carpetas().trabajo);
+  } catch (const std::exception& e) {
+    avisaError(programa_.dialogos(), e);  // VALDOR_IMPRESORA names a port the rule refuses
+    return;
+  }
   if (IMPRIMEBOLETIN(boletin_, grid_, leerred(registro, Check4_->isChecked()), puerto, programa_.dialogos())) {
     Panel3D3_->setText(QStringLiteral("Boletín enviado a ") + QString::fromStdString(puerto.string()));
     Panel3D3_->show();

@@ -332,6 +332,14 @@ void PXVALDOR32::muestraConfiguracion() {
 
 void PXVALDOR32::pulsaAceptar() {
   tomaPagina();
+  // A name the exchange folder would not take stops the hand-over before any work, and
+  // the box waits for a new one.
+  if (const auto rechazo = nombreIntercambioRechazado(pagina_.Text8)) {
+    programa_.dialogos().mensaje(tituloNombreNoValido(), *rechazo, Icono::Exclamacion);
+    Text8_->setFocus();
+    emit trabajoTerminado();
+    return;
+  }
   try {
     Command3(programa_, pagina_, *formularios_, lanzador_, entorno_);
   } catch (const std::exception& e) {

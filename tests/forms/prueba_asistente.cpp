@@ -78,6 +78,21 @@ class PruebaAsistente : public QObject {
     QApplication::sendEvent(Text8, &salida);
     QCOMPARE(Text8->text(), QString());
     QCOMPARE(a.w.pagina().Text8, std::string());
+
+    // A name the exchange folder would not take stops "&Aceptar" with the name rule's
+    // box: no selection opens and no label line is made.
+    a.escribe("Text8", QStringLiteral("../x"));
+    {
+      AlAbrirModal ninguna;
+      a.control<QPushButton>("Command3")->click();
+      QVERIFY(ninguna.nombre.isEmpty());
+    }
+    QCOMPARE(a.o.dialogos.mensajes.size(), std::size_t{1});
+    QCOMPARE(a.o.dialogos.mensajes[0].titulo, std::string("NOMBRE DE FICHERO NO VALIDO"));
+    QVERIFY(a.o.dialogos.mensajes[0].texto.find("«../x» no es válido: lleva el carácter «.»"_cp) != std::string::npos);
+    QCOMPARE(a.programa.g.LINEAETI, std::string());
+    a.o.dialogos.mensajes.clear();
+
     a.escribe("Text8", QStringLiteral("abc"));
     QTest::keyClick(Text8, Qt::Key_Return);
     QCOMPARE(Text8->text(), QStringLiteral("ABC00000"));
