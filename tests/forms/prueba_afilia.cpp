@@ -9,8 +9,8 @@ namespace valdor::pruebas {
 
 namespace {
 
-// The sample's pending rows: two of Construcciones Peñalara (the second with no worker
-// record), one of the bakery, one of the café. A company code is province, number and
+// The sample's pending rows: two of Construcciones Peñalara (the second a new hire with
+// no payroll row yet), one of the bakery, one of the café, every one in the worker file. A company code is province, number and
 // the nine digits modulo 97: 281076543 % 97 = 31, 411234098 % 97 = 76, 81987654 % 97 = 53.
 const QString PENALARA = QStringLiteral("28107654331"), PANADERIA = QStringLiteral("41123409876"),
               CAFE = QStringLiteral("08198765453");
@@ -90,20 +90,36 @@ class PruebaAfilia : public QObject {
     QCOMPARE(m.control<QProgressBar>("ProgressBar1")->value(), 100);
   }
 
-  void salirSoloBorraConUnSiYSiempreTerminaElPrograma() {
+  void salirSoloBorraLoEscritoConUnSiYSiempreTerminaElPrograma() {
     Modulo m;
+    auto quedan = [&m] {
+      m.p.almacenes.ABREACUVALDOR();
+      return m.p.almacenes.VALDORTA.cuenta();
+    };
+    // No, and then yes with no file written by the module: the list stays whole.
     for (const bool si : {false, true}) {
       m.abre();
       QVERIFY(m.control<QPushButton>("Command2")->isEnabled());
       m.o.dialogos.respuestas = {si};
       m.control<QPushButton>("Command1")->click();
       QCOMPARE(m.o.dialogos.preguntas.back().titulo, std::string(tituloPendientes()));
-      m.p.almacenes.ABREACUVALDOR();
-      QCOMPARE(m.p.almacenes.VALDORTA.cuenta(), si ? 0 : 4);
+      QCOMPARE(quedan(), 4);
       QVERIFY(!m.f->isVisible());
       QCOMPARE(m.finales, si ? 2 : 1);
       QVERIFY(m.pagina.Option1Afiliacion);  // the page is left as it was
     }
+    QCOMPARE(m.o.dialogos.mensajes.size(), std::size_t{1});
+    QVERIFY(m.o.dialogos.mensajes[0].texto.find("No se ha escrito ning\xFAn fichero de afiliaci\xF3n") !=
+            std::string::npos);
+    // The file written, the editor declined, and yes: the four rows it carries go.
+    m.abre();
+    m.control<QPushButton>("Command2")->click();
+    m.o.dialogos.respuestas = {true};
+    m.control<QPushButton>("Command1")->click();
+    QCOMPARE(quedan(), 0);
+    QCOMPARE(m.finales, 3);
+    QVERIFY(m.o.dialogos.mensajes.back().texto.find("4 trabajadores, los que van en los ficheros escritos. Quedan 0") !=
+            std::string::npos);
     // Nothing pending: nothing to generate.
     m.abre();
     QVERIFY(!m.control<QPushButton>("Command2")->isEnabled());
