@@ -396,6 +396,7 @@ TEST(Afiliacion, UnaListaQueNoCabeVaEnVariosFicherosEnterosCadaUnoConSuPie) {
   ASSERT_FALSE(m.dialogos.mensajes.empty());
   EXPECT_EQ(m.dialogos.mensajes.back().icono, Icono::Critico);
   for (int i = 0; i < INTENTOSTEMPORAL; ++i) fs::remove(nombreTemporal(bloqueado, i));
+  EXPECT_EQ(std::distance(fs::directory_iterator(m.fichero("")), fs::directory_iterator()), 1);  // no temp file left
   m.dialogos.mensajes.clear();
 
   const auto rutas = ESCRIBEFICHERO(m.programa, m.pagina, afi, f);

@@ -2,6 +2,7 @@
 // way out, and the road to it from the main window.
 #include "afiliacion/forms/afilia.h"
 #include "shell/forms/pxvaldor32.h"
+#include "stores/almacen.h"
 #include "stores/literales.h"
 #include "tests/forms/oficina_qt.h"
 
@@ -88,6 +89,31 @@ class PruebaAfilia : public QObject {
     // The hourglass is off for the editor question and again at the end of the run.
     QCOMPARE(m.o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal, Puntero::Normal}));
     QCOMPARE(m.control<QProgressBar>("ProgressBar1")->value(), 100);
+  }
+
+  // The worker record of Peñalara's 00007 gone: the module says so at each opening,
+  // and the file leaves him out: T = 2 + 2 * 3 + 6 * 3 + 1 = 27.
+  void unPendienteSinFichaSeDiceCadaVezYNoVaEnElFichero() {
+    Modulo m;
+    {
+      Almacen producto;
+      producto.abre(m.o.carpetas.programa / "PRODUCTO.MDB");
+      producto.ejecuta("DELETE FROM WK WHERE WKEMP = ? AND TRA1 = ?", {"28107654331", "00007"});
+    }
+    for (std::size_t vez = 1; vez <= 2; ++vez) {
+      m.abre();
+      QCOMPARE(m.o.dialogos.mensajes.size(), vez);
+      QCOMPARE(m.o.dialogos.mensajes.back().icono, Icono::Exclamacion);
+      QVERIFY(m.o.dialogos.mensajes.back().texto.find(
+                  "Empresa 28107654331, trabajador 00007: el trabajador no est\xE1 en el fichero de trabajadores.") !=
+              std::string::npos);
+      QCOMPARE(m.celda("GRID1", 1, 1), QStringLiteral("00007"));  // still shown in the list
+    }
+    QVERIFY(m.control("Label7")->text().endsWith(QStringLiteral("00003" "00000027" "   ")));
+    m.control<QPushButton>("Command2")->click();
+    const auto lineas = registros(m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI");
+    QCOMPARE(lineas.size(), std::size_t{27});
+    QCOMPARE(q(lineas.back()), m.control("Label7")->text());
   }
 
   void salirSoloBorraLoEscritoConUnSiYSiempreTerminaElPrograma() {
