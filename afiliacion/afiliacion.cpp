@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <memory>
 #include <utility>
@@ -559,6 +560,62 @@ std::string textoVariosFicheros(const AFILIA& afi, const std::vector<std::string
   return texto;
 }
 
+// The lines of one file: its two label lines, the block of each of its companies, its
+// trailer. `alTrabajador` is told after each worker.
+void imprimeFicheroAfi(FicheroRegistros& fichero, const AFILIA& afi, const FicheroAfi& contenido,
+                       std::string_view ETI, std::string_view SIL, std::string_view pie,
+                       const std::function<void()>& alTrabajador) {
+  auto imprime = [&fichero](std::string_view linea) { fichero.imprime(izquierda(linea, 70)); };
+  imprime(ETI);
+  imprime(SIL);
+  for (const BloqueAfi& b : contenido.bloques) {
+    imprime(afi.LINEASEMP[b.empresa]);
+    imprime(afi.LINEASRZS[b.empresa]);
+    for (const std::size_t j : b.trabajadores) {
+      for (const LineasAfi* l :
+           {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB, &afi.LINEASDAM})
+        imprime((*l)[j]);
+      alTrabajador();
+    }
+  }
+  imprime(pie);
+}
+
+// Every file of the run written whole beside its name, then all of them put under their
+// names. On a failure (ErrorFichero) no file of the run is left: those already under
+// their names are removed again.
+void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFILIA& afi,
+                        const std::vector<std::string>& nombres, const std::vector<std::string>& rutas) {
+  const int total = afi.trabajadores();
+  int hechos = 0;
+  const auto alTrabajador = [&] {
+    const int progreso = std::min(100, 100 * ++hechos / total);
+    if (progreso != afi.progreso) programa.dialogos().progreso(afi.progreso = progreso, "Generando fichero:", "");
+  };
+  std::vector<std::unique_ptr<FicheroRegistros>> ficheros;
+  for (std::size_t k = 0; k < afi.ficheros.size(); ++k) {
+    // The first file's label line is the one the page made; the others carry their names.
+    const PaginaIntercambio paginaK = paginaDeFichero(pagina, nombres[k]);
+    const std::string ETI = k == 0 ? programa.g.LINEAETI : LINEAETI(paginaK, programa.registro);
+    ficheros.push_back(std::make_unique<FicheroRegistros>(rutaNativa(rutas[k], programa.entornoWine)));
+    imprimeFicheroAfi(*ficheros.back(), afi, afi.ficheros[k], ETI, programa.g.LINEASIL,
+                      pieDeFichero(paginaK, afi.pie, afi.ficheros[k]), alTrabajador);
+  }
+  std::vector<fs::path> puestos;
+  try {
+    for (std::size_t k = 0; k < ficheros.size(); ++k) {
+      ficheros[k]->confirma();
+      puestos.push_back(rutaNativa(rutas[k], programa.entornoWine));
+    }
+  } catch (const ErrorFichero&) {
+    for (const fs::path& f : puestos) {
+      std::error_code ec;
+      fs::remove(f, ec);
+    }
+    throw;
+  }
+}
+
 }  // namespace
 
 std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi,
@@ -575,50 +632,15 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
     dialogos.mensaje(tituloAFILIA(),
                      "Los trabajadores pendientes necesitan " + std::to_string(afi.ficheros.size()) +
                          std::string(" ficheros de afiliación y no quedan nombres libres después de "_cp) +
-                         nombres.back() +
-                         ". Escriba otro nombre de fichero.",
+                         nombres.back() + ". Escriba otro nombre de fichero.",
                      Icono::Critico);
     return {};
   }
   std::vector<std::string> rutas;
   for (const std::string& nombre : nombres) rutas.push_back(rutaFicheroAFI(g.RUTAWS, paginaDeFichero(pagina, nombre)));
-
-  // Every file is written whole beside its name first; they take their names together.
-  const int total = afi.trabajadores();
-  int hechos = 0;
-  std::vector<std::unique_ptr<FicheroRegistros>> ficheros;
-  std::vector<fs::path> puestos;
   try {
-    for (std::size_t k = 0; k < afi.ficheros.size(); ++k) {
-      const PaginaIntercambio paginaK = paginaDeFichero(pagina, nombres[k]);
-      FicheroRegistros& fichero =
-          *ficheros.emplace_back(std::make_unique<FicheroRegistros>(rutaNativa(rutas[k], programa.entornoWine)));
-      auto imprime = [&](std::string_view linea) { fichero.imprime(izquierda(linea, 70)); };
-      imprime(k == 0 ? g.LINEAETI : LINEAETI(paginaK, programa.registro));
-      imprime(g.LINEASIL);
-      for (const BloqueAfi& b : afi.ficheros[k].bloques) {
-        imprime(afi.LINEASEMP[b.empresa]);
-        imprime(afi.LINEASRZS[b.empresa]);
-        for (const std::size_t j : b.trabajadores) {
-          for (const LineasAfi* l : {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB,
-                                     &afi.LINEASDAM})
-            imprime((*l)[j]);
-          const int progreso = std::min(100, 100 * ++hechos / total);
-          if (progreso != afi.progreso) dialogos.progreso(afi.progreso = progreso, "Generando fichero:", "");
-        }
-      }
-      imprime(pieDeFichero(paginaK, afi.pie, afi.ficheros[k]));
-    }
-    for (std::size_t k = 0; k < ficheros.size(); ++k) {
-      ficheros[k]->confirma();
-      puestos.push_back(rutaNativa(rutas[k], programa.entornoWine));
-    }
+    escribeFicherosAfi(programa, pagina, afi, nombres, rutas);
   } catch (const ErrorFichero& e) {
-    // No part of a run is left: the files already under their names go again.
-    for (const fs::path& f : puestos) {
-      std::error_code ec;
-      fs::remove(f, ec);
-    }
     dialogos.mensaje(tituloAFILIA(), e.what(), Icono::Critico);
     return {};
   }

@@ -399,6 +399,15 @@ TEST(Afiliacion, UnaListaQueNoCabeVaEnVariosFicherosEnterosCadaUnoConSuPie) {
   EXPECT_EQ(std::distance(fs::directory_iterator(m.fichero("")), fs::directory_iterator()), 1);  // no temp file left
   m.dialogos.mensajes.clear();
 
+  // A name that cannot count up gives no second file: nothing is written.
+  m.pagina.Text8 = "99999999";
+  EXPECT_TRUE(ESCRIBEFICHERO(m.programa, m.pagina, afi, f).empty());
+  ASSERT_EQ(m.dialogos.mensajes.size(), 1u);
+  EXPECT_NE(m.dialogos.mensajes[0].texto.find("no quedan nombres libres despu\xE9s de 99999999"), std::string::npos);
+  EXPECT_FALSE(fs::exists(m.fichero("99999999.AFI")));
+  m.pagina.Text8 = "AFI00001";
+  m.dialogos.mensajes.clear();
+
   const auto rutas = ESCRIBEFICHERO(m.programa, m.pagina, afi, f);
   EXPECT_EQ(rutas, (std::vector<std::string>{"C:\\WINSUITE\\VIPTC2\\AFI\\AFI00001.AFI",
                                              "C:\\WINSUITE\\VIPTC2\\AFI\\AFI00003.AFI"}));
