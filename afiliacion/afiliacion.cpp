@@ -1,6 +1,11 @@
 #include "afiliacion/afiliacion.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <functional>
+#include <map>
+#include <memory>
+#include <utility>
 
 #include "fan/empleador.h"
 #include "shell/asistente.h"
@@ -51,16 +56,81 @@ const FilaAfiliacion& cabecerasAFI() {
 
 // ---- The state ----------------------------------------------------------------------------
 
+int FicheroAfi::trabajadores() const {
+  int n = 0;
+  for (const BloqueAfi& b : bloques) n += static_cast<int>(b.trabajadores.size());
+  return n;
+}
+
 int AFILIA::trabajadores() const {
   int n = 0;
-  for (std::size_t r = 1; r < GRID1.size(); ++r) n += recorta(GRID1[r][0]).empty() ? 0 : 1;
+  for (const FicheroAfi& f : ficheros) n += f.trabajadores();
   return n;
 }
 
 int AFILIA::empresas() const {
+  // The parts of a split company stand one after the other: the last block of a file
+  // and the first of the next.
   int n = 0;
-  for (std::size_t r = 1; r < Grid2.size(); ++r) n += recorta(Grid2[r][0]).empty() ? 0 : 1;
+  std::optional<std::size_t> anterior;
+  for (const FicheroAfi& f : ficheros)
+    for (const BloqueAfi& b : f.bloques) {
+      if (b.empresa != anterior) ++n;
+      anterior = b.empresa;
+    }
   return n;
+}
+
+// ---- The files of a list --------------------------------------------------------------------
+
+std::vector<FicheroAfi> repartoAFI(const std::vector<BloqueAfi>& empresas) {
+  std::vector<FicheroAfi> ficheros;
+  const auto cabe = [&ficheros](std::size_t trabajadores) {
+    if (ficheros.empty()) return false;
+    const FicheroAfi& f = ficheros.back();
+    return f.empresas() < EMPRESASPORFICHERO &&
+           static_cast<std::size_t>(f.trabajadores()) + trabajadores <= TRABAJADORESPORFICHERO;
+  };
+  constexpr auto porFichero = static_cast<std::size_t>(TRABAJADORESPORFICHERO);
+  for (const BloqueAfi& e : empresas) {
+    const std::size_t n = e.trabajadores.size();
+    if (n == 0) continue;
+    if (!cabe(n)) ficheros.emplace_back();
+    for (std::size_t desde = 0; desde < n; desde += porFichero) {
+      if (desde > 0) ficheros.emplace_back();
+      const auto inicio = e.trabajadores.begin() + static_cast<std::ptrdiff_t>(desde);
+      const auto fin = e.trabajadores.begin() + static_cast<std::ptrdiff_t>(std::min(n, desde + porFichero));
+      ficheros.back().bloques.push_back({e.empresa, {inicio, fin}});
+    }
+  }
+  return ficheros;
+}
+
+namespace {
+
+bool esCifra(char c) { return c >= '0' && c <= '9'; }
+
+// A number written in decimal digits, plus one; one digit more when it was all nines.
+std::string masUno(std::string cifras) {
+  for (std::size_t i = cifras.size(); i-- > 0;) {
+    if (cifras[i] != '9') {
+      ++cifras[i];
+      return cifras;
+    }
+    cifras[i] = '0';
+  }
+  return "1" + cifras;
+}
+
+}  // namespace
+
+std::optional<std::string> nombreSiguiente(std::string_view nombre) {
+  std::size_t inicio = nombre.size();
+  while (inicio > 0 && esCifra(nombre[inicio - 1])) --inicio;
+  const std::string cuenta = inicio == nombre.size() ? std::string("1") : masUno(std::string(nombre.substr(inicio)));
+  if (nombre.empty() || cuenta.size() > nombre.size()) return std::nullopt;
+  const std::size_t ancho = std::max<std::size_t>(cuenta.size(), nombre.size() - inicio);
+  return std::string(nombre.substr(0, nombre.size() - ancho)) + llenaIzq(cuenta, ancho, '0');
 }
 
 // ---- The worker's columns -----------------------------------------------------------------
@@ -278,15 +348,39 @@ PendienteAfi pendienteDe(Programa& programa, const Consulta& q) {
   return p;
 }
 
-}  // namespace
+// What became of a row of the working grid at the load.
+enum class EstadoFila { Vacia, Completa, SinEmpresa, SinTrabajador };
 
-void LEEPENDIENTES(Programa& programa, AFILIA& afi) {
+std::string cuantos(std::size_t n, std::string_view uno, std::string_view varios) {
+  return std::to_string(n) + " " + std::string(n == 1 ? uno : varios);
+}
+
+// The warning of the rows left out of the file: each company and worker, up to a
+// screenful, then how many more.
+std::string textoFuera(const std::vector<PendienteFuera>& fuera) {
+  constexpr std::size_t nombrados = 30;
+  std::string texto = fuera.size() == 1
+                          ? std::string("No va en el fichero de afiliación 1 trabajador pendiente, que sigue en la "
+                                        "lista de pendientes:"_cp)
+                          : std::string("No van en el fichero de afiliación "_cp) + std::to_string(fuera.size()) +
+                                " trabajadores pendientes, que siguen en la lista de pendientes:";
+  for (std::size_t i = 0; i < fuera.size() && i < nombrados; ++i) {
+    const ClavePendiente& c = fuera[i].clave;
+    const std::string empresa = recorta(c.VALDEMP).empty() ? "(en blanco)" : recorta(c.VALDEMP);
+    texto += "\nEmpresa " + empresa + ", trabajador " + recorta(c.VALDTRA) +
+             (fuera[i].motivo == MotivoFuera::SinEmpresa
+                  ? std::string(": la empresa no está en el fichero de empresas."_cp)
+                  : std::string(": el trabajador no está en el fichero de trabajadores."_cp));
+  }
+  if (fuera.size() > nombrados) texto += "\nY " + std::to_string(fuera.size() - nombrados) + std::string(" más."_cp);
+  return texto;
+}
+
+// The rows of the grid from VALDORTA, in table order, each joined with its worker and
+// its company. Returns what became of each row.
+std::vector<EstadoFila> leeFilas(Programa& programa, AFILIA& afi) {
   Almacenes& a = programa.almacenes;
-  a.ABREACUVALDOR();
-  for (LineasAfi* l : {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB, &afi.LINEASDAM})
-    for (int i = 1; i <= FILASMAXIMAS; ++i) (*l)[static_cast<std::size_t>(i)] = "0";
-  afi.GRID1.assign(1, cabecerasAFI());
-  afi.Grid2.assign(1, {"Afi. Emp", "EMP", "RZS"});
+  std::vector<EstadoFila> estado(1, EstadoFila::Vacia);
   try {
     const std::int64_t registros = a.VALDORTA.cuenta();
     const std::size_t filas = static_cast<std::size_t>(std::max<std::int64_t>(registros + 10, 50));
@@ -300,51 +394,117 @@ void LEEPENDIENTES(Programa& programa, AFILIA& afi) {
       FilaAfiliacion& fila = afi.GRID1[r];
       fila[0] = q.texto("VALDEMP");
       fila[1] = q.texto("VALDTRA");
-      // A worker or a company that is gone keeps its codes and no lines.
-      if (!a.WK.busca("=", {fila[0], fila[1]}) || !a.ESA.busca("=", {fila[0]})) continue;
-      columnasTrabajador(pendienteDe(programa, q), fila);
-      if (r <= FILASMAXIMAS) {
-        const auto lineas = lineasTrabajador(fila);
-        afi.LINEASTRA[r] = lineas[0];
-        afi.LINEASAYN[r] = lineas[1];
-        afi.LINEASDOM[r] = lineas[2];
-        afi.LINEASLDD[r] = lineas[3];
-        afi.LINEASFAB[r] = lineas[4];
-        afi.LINEASDAM[r] = lineas[5];
+      // A row whose company or worker is gone keeps its codes in the grid, and no lines.
+      if (!a.ESA.busca("=", {fila[0]})) {
+        estado.push_back(EstadoFila::SinEmpresa);
+      } else if (!a.WK.busca("=", {fila[0], fila[1]})) {
+        estado.push_back(EstadoFila::SinTrabajador);
+      } else {
+        columnasTrabajador(pendienteDe(programa, q), fila);
+        estado.push_back(EstadoFila::Completa);
       }
     }
   } catch (const ErrorAlmacen& e) {
     // The list stops where the store failed; the user hears why.
     programa.dialogos().mensaje(tituloAFILIA(), e.what(), Icono::Exclamacion);
   }
+  // A row cut short by the failure has its codes and nothing else: it is left as blank.
+  estado.resize(afi.GRID1.size(), EstadoFila::Vacia);
+  return estado;
+}
 
-  // The companies in the order of their first worker.
+// Grid2 from GRID1: the companies in the order of their first worker, with their EMP
+// and RZS lines when the company table has them.
+void leeEmpresas(Programa& programa, AFILIA& afi) {
   std::vector<std::string> codigos;
   for (std::size_t r = 1; r < afi.GRID1.size(); ++r) {
     const std::string codigo = recorta(afi.GRID1[r][0]);
     if (!codigo.empty() && std::find(codigos.begin(), codigos.end(), codigo) == codigos.end()) codigos.push_back(codigo);
   }
-  for (std::size_t i = 0; i < codigos.size(); ++i) afi.Grid2[i + 1][0] = codigos[i];
-
-  for (int i = 1; i <= FILASMAXIMAS; ++i) {
-    afi.LINEASEMP[static_cast<std::size_t>(i)].clear();
-    afi.LINEASRZS[static_cast<std::size_t>(i)].clear();
-  }
+  afi.LINEASEMP.assign(afi.Grid2.size(), "");
+  afi.LINEASRZS.assign(afi.Grid2.size(), "");
   for (std::size_t i = 1; i <= codigos.size(); ++i) {
-    const auto empresa = buscaEmpresa(a.ESA, codigos[i - 1]);
-    if (!empresa) continue;
     auto& fila = afi.Grid2[i];
+    fila[0] = codigos[i - 1];
+    const auto empresa = buscaEmpresa(programa.almacenes.ESA, codigos[i - 1]);
+    if (!empresa) continue;
     fila[1] = lineaEMPAFI(empresa->A1, empresa->A8, empresa->EB12);
     fila[2] = lineaRZS(*empresa, programa.g.TEXTOPLANO);
     programa.g.LINEAEMPAFI = fila[1];
     programa.g.LINEARZSAFI = fila[2];
-    if (i <= FILASMAXIMAS) {
-      afi.LINEASEMP[i] = fila[1];
-      afi.LINEASRZS[i] = fila[2];
-    }
+    afi.LINEASEMP[i] = fila[1];
+    afi.LINEASRZS[i] = fila[2];
   }
+}
+
+// The six lines of every complete row; each company's block of workers; the files.
+// A worker goes into a file only under its company's lines: a company without them
+// leaves its workers out.
+void preparaFicheros(AFILIA& afi, std::vector<EstadoFila>& estado) {
+  for (LineasAfi* l : {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB, &afi.LINEASDAM})
+    l->assign(afi.GRID1.size(), "");
+  std::map<std::string, std::size_t> filaEmpresa;
+  std::vector<BloqueAfi> bloques;
+  for (std::size_t i = 1; i < afi.Grid2.size() && !afi.Grid2[i][0].empty(); ++i) {
+    filaEmpresa.emplace(afi.Grid2[i][0], i);
+    bloques.push_back({i, {}});
+  }
+  for (std::size_t r = 1; r < afi.GRID1.size(); ++r) {
+    if (estado[r] != EstadoFila::Completa) continue;
+    const auto empresa = filaEmpresa.find(recorta(afi.GRID1[r][0]));
+    if (empresa == filaEmpresa.end() || recorta(afi.LINEASEMP[empresa->second]).empty()) {
+      estado[r] = EstadoFila::SinEmpresa;
+      continue;
+    }
+    const std::size_t i = empresa->second;
+    const auto lineas = lineasTrabajador(afi.GRID1[r]);
+    afi.LINEASTRA[r] = lineas[0];
+    afi.LINEASAYN[r] = lineas[1];
+    afi.LINEASDOM[r] = lineas[2];
+    afi.LINEASLDD[r] = lineas[3];
+    afi.LINEASFAB[r] = lineas[4];
+    afi.LINEASDAM[r] = lineas[5];
+    bloques[i - 1].trabajadores.push_back(r);
+  }
+  afi.ficheros = repartoAFI(bloques);
+}
+
+}  // namespace
+
+void LEEPENDIENTES(Programa& programa, AFILIA& afi) {
+  programa.almacenes.ABREACUVALDOR();
+  afi.GRID1.assign(1, cabecerasAFI());
+  afi.Grid2.assign(1, {"Afi. Emp", "EMP", "RZS"});
+  std::vector<EstadoFila> estado = leeFilas(programa, afi);
+  leeEmpresas(programa, afi);
+  preparaFicheros(afi, estado);
+
+  afi.fuera.clear();
+  for (std::size_t r = 1; r < afi.GRID1.size(); ++r)
+    if (estado[r] == EstadoFila::SinEmpresa || estado[r] == EstadoFila::SinTrabajador)
+      afi.fuera.push_back({{afi.GRID1[r][0], afi.GRID1[r][1]},
+                           estado[r] == EstadoFila::SinEmpresa ? MotivoFuera::SinEmpresa : MotivoFuera::SinTrabajador});
+  if (!afi.fuera.empty()) programa.dialogos().mensaje(tituloAFILIA(), textoFuera(afi.fuera), Icono::Exclamacion);
   afi.generarActivo = afi.trabajadores() > 0;
 }
+
+namespace {
+
+// The page of one file of a run: the page itself under the file's name, which its
+// label line, its trailer and its path carry.
+PaginaIntercambio paginaDeFichero(const PaginaIntercambio& pagina, std::string_view nombre) {
+  PaginaIntercambio p = pagina;
+  p.Text8 = std::string(nombre);
+  p.alCambiarGuia = nullptr;
+  return p;
+}
+
+std::string pieDeFichero(const PaginaIntercambio& pagina, const PieAfi& pie, const FicheroAfi& fichero) {
+  return lineaPieAFI(pagina, pie.CLAVEAUTORIZA, pie.CLAVESILCON, pie.fecha, pie.hora, fichero.empresas(),
+                     fichero.trabajadores());
+}
+
+}  // namespace
 
 void LINEAPIE(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi) {
   REGINTERCAMBIO registro = registroEnBlanco();
@@ -354,66 +514,145 @@ void LINEAPIE(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi) {
   }
   const Momento m = programa.ahora();
   auto dos = [](int n) { return llenaIzq(std::to_string(n), 2, '0'); };
-  afi.LINEAPIEAFI = lineaPieAFI(pagina, recorta(registro.CLAVEAUTORIZA), recorta(registro.CLAVESILCON),
-                                std::to_string(m.ano) + dos(m.mes) + dos(m.dia), dos(m.hora) + dos(m.minuto),
-                                afi.empresas(), afi.trabajadores());
+  afi.pie = {recorta(registro.CLAVEAUTORIZA), recorta(registro.CLAVESILCON),
+             std::to_string(m.ano) + dos(m.mes) + dos(m.dia), dos(m.hora) + dos(m.minuto)};
+  afi.LINEAPIEAFI = pieDeFichero(pagina, afi.pie, afi.ficheros.empty() ? FicheroAfi{} : afi.ficheros.front());
 }
 
-std::optional<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi,
-                                          FormulariosIntercambio& formularios) {
+std::string textoNadaQueEnviar(const AFILIA& afi) {
+  if (afi.fuera.empty()) return std::string("No hay trabajadores pendientes de afiliación."_cp);
+  return std::string("Ninguno de los trabajadores pendientes de afiliación puede ir en el fichero: no se escribe "
+                     "ningún fichero."_cp);
+}
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// The names of the `n` files of a run: the page's name, then the names that follow it
+// (nombreSiguiente) whose file is not in the folder, in any case of its letters, or is
+// one that this module wrote before (`propios`: generating again writes the same files
+// again). So no other file is overwritten but the one the page names, as with a single
+// file. Fewer names when the count runs out.
+std::vector<std::string> nombresDeFicheros(const Programa& programa, const PaginaIntercambio& pagina, std::size_t n,
+                                           const std::vector<std::string>& propios) {
+  std::vector<std::string> nombres{recorta(pagina.Text8)};
+  std::optional<std::string> nombre = nombres.front();
+  while (nombres.size() < n && (nombre = nombreSiguiente(*nombre))) {
+    const std::string ruta = rutaFicheroAFI(programa.g.RUTAWS, paginaDeFichero(pagina, *nombre));
+    std::error_code ec;
+    if (std::find(propios.begin(), propios.end(), ruta) != propios.end() ||
+        !fs::exists(rutaNativa(ruta, programa.entornoWine), ec))
+      nombres.push_back(*nombre);
+  }
+  return nombres;
+}
+
+std::string textoVariosFicheros(const AFILIA& afi, const std::vector<std::string>& rutas) {
+  std::string texto = std::string("Los trabajadores pendientes no caben en un solo fichero de afiliación (cada uno "
+                                  "lleva como máximo 1.000 trabajadores y 500 empresas): se han escrito "_cp) +
+                      std::to_string(rutas.size()) + " ficheros, cada uno con su pie:";
+  for (std::size_t k = 0; k < rutas.size(); ++k) {
+    const FicheroAfi& f = afi.ficheros[k];
+    texto += "\n" + rutas[k] + " (" + cuantos(static_cast<std::size_t>(f.empresas()), "empresa", "empresas") + ", " +
+             cuantos(static_cast<std::size_t>(f.trabajadores()), "trabajador", "trabajadores") + ")";
+  }
+  return texto;
+}
+
+// The lines of one file: its two label lines, the block of each of its companies, its
+// trailer. `alTrabajador` is told after each worker.
+void imprimeFicheroAfi(FicheroRegistros& fichero, const AFILIA& afi, const FicheroAfi& contenido,
+                       std::string_view ETI, std::string_view SIL, std::string_view pie,
+                       const std::function<void()>& alTrabajador) {
+  auto imprime = [&fichero](std::string_view linea) { fichero.imprime(izquierda(linea, 70)); };
+  imprime(ETI);
+  imprime(SIL);
+  for (const BloqueAfi& b : contenido.bloques) {
+    imprime(afi.LINEASEMP[b.empresa]);
+    imprime(afi.LINEASRZS[b.empresa]);
+    for (const std::size_t j : b.trabajadores) {
+      for (const LineasAfi* l :
+           {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB, &afi.LINEASDAM})
+        imprime((*l)[j]);
+      alTrabajador();
+    }
+  }
+  imprime(pie);
+}
+
+// Every file of the run written whole beside its name, then all of them put under their
+// names. On a failure (ErrorFichero) no file of the run is left: those already under
+// their names are removed again.
+void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFILIA& afi,
+                        const std::vector<std::string>& nombres, const std::vector<std::string>& rutas) {
+  const int total = afi.trabajadores();
+  int hechos = 0;
+  const auto alTrabajador = [&] {
+    const int progreso = std::min(100, 100 * ++hechos / total);
+    if (progreso != afi.progreso) programa.dialogos().progreso(afi.progreso = progreso, "Generando fichero:", "");
+  };
+  std::vector<std::unique_ptr<FicheroRegistros>> ficheros;
+  for (std::size_t k = 0; k < afi.ficheros.size(); ++k) {
+    // The first file's label line is the one the page made; the others carry their names.
+    const PaginaIntercambio paginaK = paginaDeFichero(pagina, nombres[k]);
+    const std::string ETI = k == 0 ? programa.g.LINEAETI : LINEAETI(paginaK, programa.registro);
+    ficheros.push_back(std::make_unique<FicheroRegistros>(rutaNativa(rutas[k], programa.entornoWine)));
+    imprimeFicheroAfi(*ficheros.back(), afi, afi.ficheros[k], ETI, programa.g.LINEASIL,
+                      pieDeFichero(paginaK, afi.pie, afi.ficheros[k]), alTrabajador);
+  }
+  std::vector<fs::path> puestos;
+  try {
+    for (std::size_t k = 0; k < ficheros.size(); ++k) {
+      ficheros[k]->confirma();
+      puestos.push_back(rutaNativa(rutas[k], programa.entornoWine));
+    }
+  } catch (const ErrorFichero&) {
+    for (const fs::path& f : puestos) {
+      std::error_code ec;
+      fs::remove(f, ec);
+    }
+    throw;
+  }
+}
+
+}  // namespace
+
+std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi,
+                                        FormulariosIntercambio& formularios) {
   Globales& g = programa.g;
   Dialogos& dialogos = programa.dialogos();
   afi.progreso = 0;
-  const auto destino = destinoIntercambio(programa, rutaFicheroAFI(g.RUTAWS, pagina));
-  if (!destino) return std::nullopt;
-
-  int escritos = 0;
+  const std::vector<std::string> anteriores = std::exchange(afi.escritos, {});
+  afi.enviados.clear();
+  if (afi.ficheros.empty()) return {};
+  if (!destinoIntercambio(programa, rutaFicheroAFI(g.RUTAWS, pagina))) return {};
+  const std::vector<std::string> nombres = nombresDeFicheros(programa, pagina, afi.ficheros.size(), anteriores);
+  if (nombres.size() < afi.ficheros.size()) {
+    dialogos.mensaje(tituloAFILIA(),
+                     "Los trabajadores pendientes necesitan " + std::to_string(afi.ficheros.size()) +
+                         std::string(" ficheros de afiliación y no quedan nombres libres después de "_cp) +
+                         nombres.back() + ". Escriba otro nombre de fichero.",
+                     Icono::Critico);
+    return {};
+  }
+  std::vector<std::string> rutas;
+  for (const std::string& nombre : nombres) rutas.push_back(rutaFicheroAFI(g.RUTAWS, paginaDeFichero(pagina, nombre)));
   try {
-    FicheroRegistros fichero(*destino);
-    auto imprime = [&](std::string_view linea) { fichero.imprime(izquierda(linea, 70)); };
-    imprime(g.LINEAETI);
-    imprime(g.LINEASIL);
-    for (int i = 1; i <= EMPRESASMAXIMAS; ++i) {
-      afi.progreso = std::min(100, 100 * i / EMPRESASMAXIMAS);
-      const std::string& emp = afi.LINEASEMP[static_cast<std::size_t>(i)];
-      if (!recorta(emp).empty()) imprime(emp);
-      if (!recorta(afi.LINEASRZS[static_cast<std::size_t>(i)]).empty()) imprime(afi.LINEASRZS[static_cast<std::size_t>(i)]);
-      const std::string codigo = medio(emp, 8, 11);
-      for (std::size_t j = 1; j < afi.GRID1.size() && j <= FILASMAXIMAS; ++j) {
-        const std::string& col0 = afi.GRID1[j][0];
-        if (valorNumerico(col0) > 0 && recorta(col0) == codigo) {
-          for (const LineasAfi* l : {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB,
-                                     &afi.LINEASDAM})
-            imprime((*l)[j]);
-          ++escritos;
-        }
-      }
-      if (i % 50 == 0) dialogos.progreso(afi.progreso, "Generando fichero:", "");
-    }
-    imprime(afi.LINEAPIEAFI);
-    fichero.confirma();
+    escribeFicherosAfi(programa, pagina, afi, nombres, rutas);
   } catch (const ErrorFichero& e) {
     dialogos.mensaje(tituloAFILIA(), e.what(), Icono::Critico);
-    return std::nullopt;
+    return {};
   }
+  afi.progreso = 100;
   dialogos.progreso(100, "Generando fichero:", "");
 
-  // The arrays hold 1,000 workers and the file takes 500 companies: what is beyond is
-  // told, never dropped in silence.
-  const int fuera = afi.trabajadores() - escritos;
-  if (fuera > 0 || afi.empresas() > EMPRESASMAXIMAS) {
-    std::string texto = "El fichero no lleva ";
-    if (fuera > 0) texto += std::to_string(fuera) + " de los " + std::to_string(afi.trabajadores()) +
-                            " trabajadores pendientes";
-    if (fuera > 0 && afi.empresas() > EMPRESASMAXIMAS) texto += " ni ";
-    if (afi.empresas() > EMPRESASMAXIMAS)
-      texto += std::to_string(afi.empresas() - EMPRESASMAXIMAS) + " de las " + std::to_string(afi.empresas()) +
-               " empresas";
-    texto += std::string(": caben 1.000 trabajadores y 500 empresas por fichero, y los de una empresa que no está "
-                         "en el fichero de empresas no se escriben. Envíe el resto en otro fichero; los recuentos "
-                         "del pie cuentan a todos."_cp);
-    dialogos.mensaje(tituloAFILIA(), texto, Icono::Exclamacion);
-  }
+  afi.escritos = rutas;
+  for (const FicheroAfi& f : afi.ficheros)
+    for (const BloqueAfi& b : f.bloques)
+      for (const std::size_t j : b.trabajadores) afi.enviados.push_back({afi.GRID1[j][0], afi.GRID1[j][1]});
+  g.FICHEROSALIDA = rutas.front();
+  if (rutas.size() > 1) dialogos.mensaje(tituloAFILIA(), textoVariosFicheros(afi, rutas), Icono::Informacion);
 
   // The question is the user's turn: no hourglass over it.
   dialogos.puntero(Puntero::Normal);
@@ -421,30 +660,51 @@ std::optional<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio&
     g.EDITAAFI = 1;
     formularios.EDITOR();
   }
-  return g.FICHEROSALIDA;
+  return rutas;
 }
 
-void BORRAMETODOSREG(Programa& programa) {
+void BORRAMETODOSREG(Programa& programa, const std::vector<ClavePendiente>& enviados) {
   Almacenes& a = programa.almacenes;
+  Dialogos& dialogos = programa.dialogos();
   try {
     if (!a.acuvaldor.abierto()) a.ABREACUVALDOR();
     if (a.acuvaldor.soloLectura()) {
       // The payroll product's own Jet file: its list is emptied there, never here.
-      programa.dialogos().mensaje(tituloPendientes(), textoPendientesDelProgramaDeNominas(), Icono::Informacion);
-      a.CIERRAACUVALDOR();
-      return;
+      dialogos.mensaje(tituloPendientes(), textoPendientesDelProgramaDeNominas(), Icono::Informacion);
+    } else if (enviados.empty()) {
+      dialogos.mensaje(tituloPendientes(),
+                       "No se ha escrito ningún fichero de afiliación en este módulo: no se borra ningún trabajador "
+                       "de la lista de pendientes."_cp,
+                       Icono::Informacion);
+    } else {
+      // Only the rows the files carry: a row left out, or added since the list was
+      // read, stays for the next file.
+      std::int64_t borrados = 0;
+      {
+        Transaccion t(a.acuvaldor);
+        for (const ClavePendiente& c : enviados)
+          borrados +=
+              a.acuvaldor.ejecuta("DELETE FROM VALDORTA WHERE VALDEMP = ? AND VALDTRA = ?", {c.VALDEMP, c.VALDTRA});
+        t.confirma();
+      }
+      const std::int64_t quedan = a.VALDORTA.cuenta();
+      dialogos.mensaje(tituloPendientes(),
+                       std::string("Se han borrado de la lista de pendientes de afiliación "_cp) +
+                           cuantos(static_cast<std::size_t>(borrados), "trabajador", "trabajadores") +
+                           ", los que van en los ficheros escritos. Quedan " +
+                           cuantos(static_cast<std::size_t>(quedan), "trabajador pendiente", "trabajadores pendientes") +
+                           ".",
+                       Icono::Informacion);
     }
-    Transaccion t(a.acuvaldor);
-    a.acuvaldor.ejecuta("DELETE FROM VALDORTA");
-    t.confirma();
   } catch (const ErrorAlmacen& e) {
-    programa.dialogos().mensaje(tituloPendientes(), e.what(), Icono::Critico);
+    dialogos.mensaje(tituloPendientes(), e.what(), Icono::Critico);
   }
   a.CIERRAACUVALDOR();
 }
 
-void salirAFILIA(Programa& programa) {
-  if (programa.dialogos().pregunta(tituloPendientes(), preguntaBorrarPendientes(), true)) BORRAMETODOSREG(programa);
+void salirAFILIA(Programa& programa, const AFILIA& afi) {
+  if (programa.dialogos().pregunta(tituloPendientes(), preguntaBorrarPendientes(), true))
+    BORRAMETODOSREG(programa, afi.enviados);
 }
 
 void nuevoAFILIA(PaginaIntercambio& pagina) {

@@ -261,18 +261,30 @@ struct FormulariosAfiliacion : FormulariosIntercambio {
     valdor::AFILIA afi;
     cargaAFILIA(programa, pagina, afi);
     if (!afi.generarActivo) {
-      programa.dialogos().mensaje(tituloAFILIA(), "No hay trabajadores pendientes de afiliación."_cp, Icono::Critico);
+      programa.dialogos().mensaje(tituloAFILIA(), textoNadaQueEnviar(afi), Icono::Critico);
       return;
     }
     resultado = ESCRIBEFICHERO(programa, pagina, afi, *this);
-    if (resultado && borrar) BORRAMETODOSREG(programa);
+    // Every file stands under its name by now: the rows they carry, and only those.
+    if (!resultado.empty() && borrar) BORRAMETODOSREG(programa, afi.enviados);
   }
   void EDITOR() override {}
   Programa& programa;
   PaginaIntercambio& pagina;
   bool borrar;
-  std::optional<std::string> resultado;
+  std::vector<std::string> resultado;
 };
+
+// The end of an affiliation exchange: each file written, its Windows path and then its
+// native one, so that the last line is the native path of the last file.
+int informaFicheros(Programa& programa, const std::vector<std::string>& ficheros, const DialogosConsola& dialogos) {
+  if (ficheros.empty()) return SALIDAFALLO;
+  for (const std::string& fichero : ficheros) {
+    escribeLinea(std::cout, "Fichero de intercambio: " + fichero);
+    escribeLinea(std::cout, utf8ACp1252(rutaNativa(fichero, programa.entornoWine).string()));
+  }
+  return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+}
 
 }  // namespace
 
@@ -288,7 +300,7 @@ int ordenAfi(const Llamada& llamada) {
   SinLanzar sinLanzar;
   Command3(programa, pagina, formularios, sinLanzar, programa.entornoWine);
   programa.termina();
-  return informaFichero(programa, formularios.resultado, dialogos);
+  return informaFicheros(programa, formularios.resultado, dialogos);
 }
 
 }  // namespace valdor::cli

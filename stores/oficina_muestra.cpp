@@ -159,7 +159,6 @@ struct Pendiente {
 
 struct Trabajador {
   std::string TRA1;  // worker number, 5 digits
-  bool enFicha = true;   // has a row in WK (and a document type)
   bool enNomina = true;  // has a payroll row this month
 
   // WK
@@ -568,8 +567,8 @@ void escribePendiente(Insercion& t, const Empresa& e, const Trabajador& w, const
 
 // Every row of one worker, in each store it belongs to. Returns 1 for a payroll row.
 int escribeTrabajador(Destinos& d, const Empresa& e, const Trabajador& w, const Periodo& p) {
-  if (w.enFicha) {
-    escribeFicha(d.producto.tabla("WK"), e, w);
+  escribeFicha(d.producto.tabla("WK"), e, w);
+  {
     Insercion& doc = d.tipodoc.tabla("TDOCUMENTO");
     doc.pon("TIPDOPAT", e.A1);
     doc.pon("TIPDOTRA", w.TRA1);
@@ -652,8 +651,8 @@ Pendiente pendiente(std::string tipo, std::string situ, const Trabajador& w, std
   return p;
 }
 
-// The office of the Gestoría Laboral del Valle: five companies, sixteen workers. What
-// each one is there to show is said where it is made.
+// The office of the Gestoría Laboral del Valle: five companies, seventeen workers, sixteen
+// of them with a payroll row. What each one is there to show is said where it is made.
 std::vector<Lote> oficinaRica(const Periodo& p) {
   std::vector<Lote> oficina;
 
@@ -757,12 +756,13 @@ std::vector<Lote> oficinaRica(const Periodo& p) {
     f.BCAT = "OFICIAL DE PRIMERA";
     l.trabajadores.push_back(f);
 
-    // A new hire pending registration that the worker file doesn't have yet.
-    Trabajador g;
-    g.TRA1 = "00007";
-    g.enFicha = false;
+    // A new hire who starts on the first of next month: in the worker file and pending
+    // registration, with no payroll row yet.
+    Trabajador g = trabajador("00007", "RUIZ CALVO, ALBERTO", numeroAfiliacion(28, 78901234), dni(50987654),
+                              "CALLE DEL CARMEN, 9", "28400", "Collado Villalba", "016", "08", "001", p.fecha(1, 1),
+                              "ARC");
     g.enNomina = false;
-    g.TRA1710 = p.fecha(1, 1);
+    g.BCAT = "OFICIAL DE SEGUNDA";
     g.pendiente = pendiente("AL", "01", g, "OFICIAL DE SEGUNDA");
     l.trabajadores.push_back(g);
     oficina.push_back(std::move(l));

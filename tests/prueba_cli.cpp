@@ -8,6 +8,7 @@
 
 #include <cstdlib>
 
+#include "stores/almacen.h"
 #include "stores/colacion.h"
 #include "tests/apoyo.h"
 
@@ -216,6 +217,8 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   EXPECT_EQ(valdor(c, {"fan", "--nombre", "NUEVENUEV"}).estado, 2);
 }
 
+// The sample's AFI file: ETI, SIL, three companies of 2 lines, four workers of 6 lines
+// (two of Construcciones Peñalara, one of the bakery, one of the café), ETF: 33 lines.
 TEST(Cli, AfiEscribeElFicheroDeLosPendientesYSoloBorraLaTablaSiSeLePide) {
   CarpetaTemporal c;
   setenv("WINEPREFIX", (c / "wine").c_str(), 1);
@@ -223,18 +226,116 @@ TEST(Cli, AfiEscribeElFicheroDeLosPendientesYSoloBorraLaTablaSiSeLePide) {
   const std::string pendientes = pruebas::leeBytes(c / "trabajo" / "ACUVALDOR.MDB");
   auto r = valdor(c, {"--ahora", "2026-11-15 07:30", "afi", "--clave", "K1", "--nueva-clave", "K2"});
   ASSERT_EQ(r.estado, 0) << r.errores;
+  // Every pending worker is in the master data: no warning, only the editor's offer.
+  EXPECT_EQ(r.errores, "C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI: El asistente ha terminado de preparar su fichero "
+                       ".AFI ¿Desea editar el fichero para verificar su sintaxis? [no]\n");
   const fs::path fichero = c / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI";
-  EXPECT_TRUE(r.salida.ends_with(fichero.string() + "\n")) << r.salida;
+  EXPECT_EQ(r.salida, "Fichero de intercambio: C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI\n" + fichero.string() + "\n");
   const std::string bytes = pruebas::leeBytes(fichero);
   EXPECT_EQ(bytes.substr(0, 13), "ETIAFI31WS342");
   EXPECT_EQ(bytes.substr(72, 19), "SIL" "K1      " "K2      ");
   EXPECT_EQ(pruebas::leeBytes(c / "trabajo" / "ACUVALDOR.MDB"), pendientes);
 
+  const auto l = pruebas::registros(fichero);
+  ASSERT_EQ(l.size(), 33u);
+  for (const std::string& linea : l) EXPECT_EQ(linea.size(), 70u) << linea;
+  EXPECT_EQ(l[2].substr(0, 18), "EMP011128107654331");
+  // The new hire 00007 of Peñalara, who starts on 1 November: affiliation number
+  // 28 78901234 and 2878901234 % 97 = 16; DNI 50987654, letter 50987654 % 23 = 12, N;
+  // contract 001, key 100; the sample's pending defaults (724, 1 and 0, man, 30 days).
+  EXPECT_EQ(l[10], "TRA" "28" "7890123416" "1" "   " "0000050987654N" "   " + std::string(25, ' ') + "724" " " "     ");
+  EXPECT_EQ(l[11], "AYN" "RUIZ                " "CALVO               " "ALBERTO        " + std::string(12, ' '));
+  EXPECT_EQ(l[12], "DOM" " " "  " "CALLE DEL CARMEN, 9                 " "00000" "      " "   " "28400" "000000000");
+  EXPECT_EQ(l[13], "LDD" "COLLADO VILLALBA        " "MADRID         " + std::string(28, ' '));
+  EXPECT_EQ(l[14], "FAB" " AL" "01" "20261101" "08" "016" "100" "10" "000" "000" "S" "030" "00" "00" "20261101"
+                   "1000000N" "N00" "20261101N  ");
+  EXPECT_EQ(l[15], "DAM" "20261101" "N" "0000" "000000000000" "00" + std::string(40, ' '));
+  EXPECT_EQ(l.back().substr(54, 13), "00003" "00000033");
+  r = valdor(c, {"revisar", fichero.string()});
+  EXPECT_EQ(r.estado, 0) << r.salida << r.errores;
+
   r = valdor(c, {"afi", "--nombre", "segundo", "--borrar-pendientes"});
   ASSERT_EQ(r.estado, 0) << r.errores;
+  EXPECT_NE(r.errores.find("Se han borrado de la lista de pendientes de afiliación 4 trabajadores, los que van en "
+                           "los ficheros escritos. Quedan 0 trabajadores pendientes."),
+            std::string::npos)
+      << r.errores;
   r = valdor(c, {"afi", "--nombre", "tercero"});
   EXPECT_EQ(r.estado, 1);  // nothing pending any more
+  EXPECT_NE(r.errores.find("No hay trabajadores pendientes de afiliación."), std::string::npos) << r.errores;
   EXPECT_FALSE(fs::exists(c / "wine/drive_c/WINSUITE/VIPTC2/AFI/TERCERO0.AFI"));
+}
+
+// 1,000 more pending workers of Peñalara, copies of its worker 00003 numbered 01000 to
+// 01999, and a pending worker of a company the office does not have.
+void agrandaListaDePendientes(const CarpetaTemporal& c) {
+  Almacen producto, acuvaldor;
+  producto.abre(c / "programa" / "PRODUCTO.MDB");
+  acuvaldor.abre(c / "trabajo" / "ACUVALDOR.MDB");
+  Transaccion t1(producto), t2(acuvaldor);
+  producto.ejecuta("CREATE TEMP TABLE modelo AS SELECT * FROM WK WHERE WKEMP = '28107654331' AND TRA1 = '00003'");
+  acuvaldor.ejecuta(
+      "CREATE TEMP TABLE modelo AS SELECT * FROM VALDORTA WHERE VALDEMP = '28107654331' AND VALDTRA = '00003'");
+  for (int i = 1000; i < 2000; ++i) {
+    const std::string numero = "0" + std::to_string(i);
+    producto.ejecuta("UPDATE modelo SET TRA1 = ?", {numero});
+    producto.ejecuta("INSERT INTO WK SELECT * FROM modelo");
+    acuvaldor.ejecuta("UPDATE modelo SET VALDTRA = ?", {numero});
+    acuvaldor.ejecuta("INSERT INTO VALDORTA SELECT * FROM modelo");
+  }
+  acuvaldor.ejecuta("UPDATE modelo SET VALDEMP = '99000000099', VALDTRA = '00001'");
+  acuvaldor.ejecuta("INSERT INTO VALDORTA SELECT * FROM modelo");
+  t1.confirma();
+  t2.confirma();
+}
+
+// Peñalara now has 1,002 pending workers, more than a file takes: 1,000 of them fill the
+// first file; its last two, the bakery's and the café's go into the second.
+TEST(Cli, AfiDeUnaListaQueNoCabeEscribeVariosFicherosYBorraSoloLoQueLlevan) {
+  CarpetaTemporal c;
+  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
+  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
+  agrandaListaDePendientes(c);
+  const auto r = valdor(c, {"--ahora", "2026-11-15 07:30", "afi", "--borrar-pendientes"});
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  const fs::path uno = c / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI";
+  const fs::path dos = c / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511261.AFI";
+  EXPECT_EQ(r.salida, "Fichero de intercambio: C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI\n" + uno.string() +
+                          "\nFichero de intercambio: C:\\WINSUITE\\VIPTC2\\AFI\\F1511261.AFI\n" + dos.string() + "\n");
+  for (const std::string aviso :
+       {"Empresa 99000000099, trabajador 00001: la empresa no está en el fichero de empresas.", "se han escrito 2 ficheros",
+        "Se han borrado de la lista de pendientes de afiliación 1004 trabajadores, los que van en los ficheros "
+        "escritos. Quedan 1 trabajador pendiente."})
+    EXPECT_NE(r.errores.find(aviso), std::string::npos) << aviso << "\n" << r.errores;
+
+  // Each file whole: its own name in its label line and trailer, which counts its own
+  // lines: 2 + 2 + 6 * 1000 + 1 = 6,005, and 2 + 2 * 3 + 6 * 4 + 1 = 33.
+  const auto l1 = pruebas::registros(uno);
+  const auto l2 = pruebas::registros(dos);
+  ASSERT_EQ(l1.size(), 6005u);
+  ASSERT_EQ(l2.size(), 33u);
+  EXPECT_EQ(l1[0].substr(41, 8), "F1511260");
+  EXPECT_EQ(l1.back().substr(41, 26), "F1511260" "AFIN" " " "00001" "00006005");
+  EXPECT_EQ(l2[0], "ETI" "AFI31WS342" "20731542" "SLC48213" "20261115" "0730" "F1511261" "AFI" "N" " "
+                   "00000000000000" "  ");
+  EXPECT_EQ(l2.back().substr(41, 26), "F1511261" "AFIN" " " "00003" "00000033");
+  // Peñalara heads both files, with its last two workers in the second.
+  EXPECT_EQ(l2[2].substr(0, 18), "EMP011128107654331");
+  EXPECT_EQ(l2[4].substr(0, 3), "TRA");
+  EXPECT_EQ(l2[10].substr(0, 3), "TRA");
+  EXPECT_EQ(l2[16].substr(0, 18), "EMP011141123409876");
+  for (const fs::path& f : {uno, dos}) {
+    const auto v = valdor(c, {"revisar", f.string()});
+    EXPECT_EQ(v.estado, 0) << v.salida << v.errores;
+  }
+
+  // Only the worker of the unknown company stays pending.
+  Almacen acuvaldor;
+  acuvaldor.abre(c / "trabajo" / "ACUVALDOR.MDB");
+  auto q = acuvaldor.consulta("SELECT VALDEMP || VALDTRA FROM VALDORTA");
+  std::vector<std::string> quedan;
+  while (q.siguiente()) quedan.push_back(q.campo(0).texto());
+  EXPECT_EQ(quedan, std::vector<std::string>{"9900000009900001"});
 }
 
 }  // namespace

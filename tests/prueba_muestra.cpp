@@ -180,22 +180,26 @@ TEST_F(Muestra, LaOficinaRicaTieneLoQueCadaIntercambioNecesita) {
             (Filas{{"2100", "1234", "58", "0200123456"}}));
 
   // Pending workers: of three companies, a removal, a row with every column filled, and
-  // one whose worker is not in the worker file.
+  // every one in the worker file, so that the whole list goes into the AFI file. One is
+  // a new hire with no payroll row yet.
   const Filas pendientes = filas(T("ACUVALDOR.MDB"), "SELECT * FROM VALDORTA");
+  const auto nomina = columna(mes, "SELECT BSSE || BMATRI FROM NOMIN");
   std::set<std::string> empresasPendientes, tipos;
-  bool completa = false, sinFicha = false;
+  bool completa = false, sinNomina = false;
   for (const auto& f : pendientes) {
     empresasPendientes.insert(f[0]);
     tipos.insert(f[2]);
     completa |= f.size() == 23 && std::all_of(f.begin(), f.end(), [](const std::string& v) {
                   return v.find_first_not_of(' ') != std::string::npos;
                 });
-    sinFicha |= !fichas.count(f[0] + f[1]);
+    EXPECT_TRUE(fichas.count(f[0] + f[1])) << f[0] << " " << f[1];
+    sinNomina |= !nomina.count(f[0] + f[1]);
   }
-  EXPECT_GE(empresasPendientes.size(), 2u);
+  EXPECT_EQ(pendientes.size(), 4u);
+  EXPECT_EQ(empresasPendientes.size(), 3u);
   EXPECT_EQ(tipos, (std::set<std::string>{"AL", "MB"}));
   EXPECT_TRUE(completa);
-  EXPECT_TRUE(sinFicha);
+  EXPECT_TRUE(sinNomina);
 
   // Settings: 176 bytes, the route at offset 16; the sender in Windows-1252.
   const std::string ajustes = bytes(T("VALDOR.MDB"));

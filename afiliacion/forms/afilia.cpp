@@ -236,7 +236,7 @@ void AFILIA::reject() { nuevo(); }
 void AFILIA::salir() {
   QApplication::beep();
   try {
-    salirAFILIA(programa_);
+    salirAFILIA(programa_, *afi_);
   } catch (const std::exception& e) {
     avisaError(programa_.dialogos(), e);
   }

@@ -2,6 +2,7 @@
 // way out, and the road to it from the main window.
 #include "afiliacion/forms/afilia.h"
 #include "shell/forms/pxvaldor32.h"
+#include "stores/almacen.h"
 #include "stores/literales.h"
 #include "tests/forms/oficina_qt.h"
 
@@ -9,8 +10,8 @@ namespace valdor::pruebas {
 
 namespace {
 
-// The sample's pending rows: two of Construcciones Peñalara (the second with no worker
-// record), one of the bakery, one of the café. A company code is province, number and
+// The sample's pending rows: two of Construcciones Peñalara (the second a new hire with
+// no payroll row yet), one of the bakery, one of the café, every one in the worker file. A company code is province, number and
 // the nine digits modulo 97: 281076543 % 97 = 31, 411234098 % 97 = 76, 81987654 % 97 = 53.
 const QString PENALARA = QStringLiteral("28107654331"), PANADERIA = QStringLiteral("41123409876"),
               CAFE = QStringLiteral("08198765453");
@@ -90,20 +91,61 @@ class PruebaAfilia : public QObject {
     QCOMPARE(m.control<QProgressBar>("ProgressBar1")->value(), 100);
   }
 
-  void salirSoloBorraConUnSiYSiempreTerminaElPrograma() {
+  // The worker record of Peñalara's 00007 gone: the module says so at each opening,
+  // and the file leaves him out: T = 2 + 2 * 3 + 6 * 3 + 1 = 27.
+  void unPendienteSinFichaSeDiceCadaVezYNoVaEnElFichero() {
     Modulo m;
+    {
+      Almacen producto;
+      producto.abre(m.o.carpetas.programa / "PRODUCTO.MDB");
+      producto.ejecuta("DELETE FROM WK WHERE WKEMP = ? AND TRA1 = ?", {"28107654331", "00007"});
+    }
+    for (std::size_t vez = 1; vez <= 2; ++vez) {
+      m.abre();
+      QCOMPARE(m.o.dialogos.mensajes.size(), vez);
+      QCOMPARE(m.o.dialogos.mensajes.back().icono, Icono::Exclamacion);
+      QVERIFY(m.o.dialogos.mensajes.back().texto.find(
+                  "Empresa 28107654331, trabajador 00007: el trabajador no est\xE1 en el fichero de trabajadores.") !=
+              std::string::npos);
+      QCOMPARE(m.celda("GRID1", 1, 1), QStringLiteral("00007"));  // still shown in the list
+    }
+    QVERIFY(m.control("Label7")->text().endsWith(QStringLiteral("00003" "00000027" "   ")));
+    m.control<QPushButton>("Command2")->click();
+    const auto lineas = registros(m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI");
+    QCOMPARE(lineas.size(), std::size_t{27});
+    QCOMPARE(q(lineas.back()), m.control("Label7")->text());
+  }
+
+  void salirSoloBorraLoEscritoConUnSiYSiempreTerminaElPrograma() {
+    Modulo m;
+    auto quedan = [&m] {
+      m.p.almacenes.ABREACUVALDOR();
+      return m.p.almacenes.VALDORTA.cuenta();
+    };
+    // No, and then yes with no file written by the module: the list stays whole.
     for (const bool si : {false, true}) {
       m.abre();
       QVERIFY(m.control<QPushButton>("Command2")->isEnabled());
       m.o.dialogos.respuestas = {si};
       m.control<QPushButton>("Command1")->click();
       QCOMPARE(m.o.dialogos.preguntas.back().titulo, std::string(tituloPendientes()));
-      m.p.almacenes.ABREACUVALDOR();
-      QCOMPARE(m.p.almacenes.VALDORTA.cuenta(), si ? 0 : 4);
+      QCOMPARE(quedan(), 4);
       QVERIFY(!m.f->isVisible());
       QCOMPARE(m.finales, si ? 2 : 1);
       QVERIFY(m.pagina.Option1Afiliacion);  // the page is left as it was
     }
+    QCOMPARE(m.o.dialogos.mensajes.size(), std::size_t{1});
+    QVERIFY(m.o.dialogos.mensajes[0].texto.find("No se ha escrito ning\xFAn fichero de afiliaci\xF3n") !=
+            std::string::npos);
+    // The file written, the editor declined, and yes: the four rows it carries go.
+    m.abre();
+    m.control<QPushButton>("Command2")->click();
+    m.o.dialogos.respuestas = {true};
+    m.control<QPushButton>("Command1")->click();
+    QCOMPARE(quedan(), 0);
+    QCOMPARE(m.finales, 3);
+    QVERIFY(m.o.dialogos.mensajes.back().texto.find("4 trabajadores, los que van en los ficheros escritos. Quedan 0") !=
+            std::string::npos);
     // Nothing pending: nothing to generate.
     m.abre();
     QVERIFY(!m.control<QPushButton>("Command2")->isEnabled());
