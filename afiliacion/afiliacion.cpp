@@ -294,6 +294,7 @@ std::string lineaPieAFI(const PaginaIntercambio& pagina, std::string_view CLAVEA
 // ---- The module ---------------------------------------------------------------------------------
 
 void cargaAFILIA(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi) {
+  afi.inicio = programa.marca();
   programa.g.COMADECIMAL = pruebaComaDecimal(programa.separadores());
   pagina.Label19 = "para " + mayusculas(recorta(programa.g.EMISORNOMBRE));
   programa.almacenes.ABREMAESTROS();
@@ -565,20 +566,22 @@ std::string textoVariosFicheros(const AFILIA& afi, const std::vector<std::string
 void imprimeFicheroAfi(FicheroRegistros& fichero, const AFILIA& afi, const FicheroAfi& contenido,
                        std::string_view ETI, std::string_view SIL, std::string_view pie,
                        const std::function<void()>& alTrabajador) {
-  auto imprime = [&fichero](std::string_view linea) { fichero.imprime(izquierda(linea, 70)); };
-  imprime(ETI);
-  imprime(SIL);
+  fichero.imprimeRegistro(ETI, "ETI, la cabecera del fichero,");
+  fichero.imprimeRegistro(SIL, "SIL, la de las claves,");
   for (const BloqueAfi& b : contenido.bloques) {
-    imprime(afi.LINEASEMP[b.empresa]);
-    imprime(afi.LINEASRZS[b.empresa]);
+    const std::string empresa = " de la empresa " + recorta(medio(afi.LINEASEMP[b.empresa], 8, 11));
+    fichero.imprimeRegistro(afi.LINEASEMP[b.empresa], "EMP" + empresa);
+    fichero.imprimeRegistro(afi.LINEASRZS[b.empresa], "RZS" + empresa);
     for (const std::size_t j : b.trabajadores) {
+      const std::string trabajador = " del trabajador " + recorta(afi.GRID1[j][1]) + " de la empresa " +
+                                     recorta(afi.GRID1[j][0]);
       for (const LineasAfi* l :
            {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB, &afi.LINEASDAM})
-        imprime((*l)[j]);
+        fichero.imprimeRegistro((*l)[j], izquierda((*l)[j], 3) + trabajador);
       alTrabajador();
     }
   }
-  imprime(pie);
+  fichero.imprimeRegistro(pie, "ETF, el pie del fichero,");
 }
 
 // Every file of the run written whole beside its name, then all of them put under their
@@ -586,6 +589,9 @@ void imprimeFicheroAfi(FicheroRegistros& fichero, const AFILIA& afi, const Fiche
 // their names are removed again.
 void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFILIA& afi,
                         const std::vector<std::string>& nombres, const std::vector<std::string>& rutas) {
+  // The errors shown since this "Generar" began, and the store failures since the list
+  // was read: either leaves no file.
+  const MarcaTrabajo inicio{programa.marca().errores, afi.inicio.fallos};
   const int total = afi.trabajadores();
   int hechos = 0;
   const auto alTrabajador = [&] {
@@ -601,6 +607,7 @@ void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFI
     imprimeFicheroAfi(*ficheros.back(), afi, afi.ficheros[k], ETI, programa.g.LINEASIL,
                       pieDeFichero(paginaK, afi.pie, afi.ficheros[k]), alTrabajador);
   }
+  if (const auto motivo = programa.motivoDeFallo(inicio)) throw ErrorFichero(*motivo);
   std::vector<fs::path> puestos;
   try {
     for (std::size_t k = 0; k < ficheros.size(); ++k) {

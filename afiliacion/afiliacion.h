@@ -12,6 +12,8 @@
 #include <string_view>
 #include <vector>
 
+#include "shell/programa.h"
+
 namespace valdor {
 
 class Programa;
@@ -113,6 +115,9 @@ struct AFILIA {
   // these rows may be deleted from the list at "&Salir".
   std::vector<std::string> escritos;
   std::vector<ClavePendiente> enviados;
+  // Where the module's job began (its loading of the list): a store that failed since
+  // leaves no file.
+  MarcaTrabajo inicio;
 
   // The workers and the companies that go into the files (a company split over
   // several files counts once).

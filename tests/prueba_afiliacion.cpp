@@ -194,7 +194,7 @@ struct Modulo {
     empresas.abre(carpetas.programa / "EMPRESAS.MDB");
     productos.abre(carpetas.programa / "PRODUCTO.MDB");
     FicheroAjustes f(carpetas.trabajo);
-    f.escribe({"123", "ABC", "C:\\WINSUITE\\WINSUITE.EXE", ""});
+    f.escribe({"123", "ABCDEFGH", "C:\\WINSUITE\\WINSUITE.EXE", ""});
     programa.entornoWine = {c / "wine"};
   }
   void empresa(const std::string& a1, const std::string& a8) {
@@ -208,7 +208,8 @@ struct Modulo {
   }
   void pendiente(const std::string& emp, const std::string& tra) {
     programa.almacenes.acuvaldor.ejecuta(
-        "INSERT INTO VALDORTA (VALDEMP, VALDTRA, VALDORTIPO, SITU) VALUES (?, ?, 'AL', '01')", {emp, tra});
+        "INSERT INTO VALDORTA (VALDEMP, VALDTRA, VALDORTIPO, SITU, VALDCAUSASUSTITU) VALUES (?, ?, 'AL', '01', '00')",
+        {emp, tra});
   }
   void arranca() {
     programa.arranca();
@@ -221,8 +222,9 @@ struct Modulo {
     pagina.Label10 = "AFI";
     pagina.Label12 = "20261115";
     pagina.Label13 = "0730";
-    programa.g.LINEAETI = "ETI";
-    programa.g.LINEASIL = "SIL";
+    // Label lines of a whole record's width: the writer takes nothing shorter.
+    programa.g.LINEAETI = ajusta("ETI", 70);
+    programa.g.LINEASIL = ajusta("SIL", 70);
   }
   fs::path fichero(const std::string& nombre) const { return c / ("wine/drive_c/WINSUITE/VIPTC2/AFI/" + nombre); }
   std::vector<std::string> lineasDelFichero(const std::string& nombre = "AFI00001.AFI") const {
@@ -374,7 +376,7 @@ TEST(Afiliacion, UnaListaQueNoCabeVaEnVariosFicherosEnterosCadaUnoConSuPie) {
     t.confirma();
   }
   m.arranca();
-  const std::string ETI = "ETI" "AFI31WS342" "00000123" "ABC" "20261115" "0730" "AFI00001" "AFI" "N" " "
+  const std::string ETI = "ETI" "AFI31WS342" "00000123" "ABCDEFGH" "20261115" "0730" "AFI00001" "AFI" "N" " "
                           "00000000000000" "  ";
   m.programa.g.LINEAETI = ETI;
   // A file of another run already bears the next name: it is passed over, not overwritten.
@@ -417,16 +419,16 @@ TEST(Afiliacion, UnaListaQueNoCabeVaEnVariosFicherosEnterosCadaUnoConSuPie) {
   ASSERT_EQ(uno.size(), 3605u);
   EXPECT_EQ(uno[0], ETI);
   EXPECT_EQ(uno[2].substr(7, 11), "28000000001");
-  EXPECT_EQ(uno.back(), "ETFAFI31WS342" "123     " "ABC     " "20261115" "0730" "AFI00001" "AFIN" " " "00001"
+  EXPECT_EQ(uno.back(), "ETFAFI31WS342" "123     " "ABCDEFGH" "20261115" "0730" "AFI00001" "AFIN" " " "00001"
                         "00003605" "   ");
   // The second company in the second file, under its own name: 2 + 2 + 6 * 500 + 1.
   const auto dos = m.lineasDelFichero("AFI00003.AFI");
   ASSERT_EQ(dos.size(), 3005u);
-  EXPECT_EQ(dos[0], "ETI" "AFI31WS342" "00000123" "ABC" "20261115" "0730" "AFI00003" "AFI" "N" " "
+  EXPECT_EQ(dos[0], "ETI" "AFI31WS342" "00000123" "ABCDEFGH" "20261115" "0730" "AFI00003" "AFI" "N" " "
                     "00000000000000" "  ");
-  EXPECT_EQ(dos[1], "SIL");
+  EXPECT_EQ(dos[1], ajusta("SIL", 70));
   EXPECT_EQ(dos[2].substr(7, 11), "28000000002");
-  EXPECT_EQ(dos.back(), "ETFAFI31WS342" "123     " "ABC     " "20261115" "0730" "AFI00003" "AFIN" " " "00001"
+  EXPECT_EQ(dos.back(), "ETFAFI31WS342" "123     " "ABCDEFGH" "20261115" "0730" "AFI00003" "AFIN" " " "00001"
                         "00003005" "   ");
   for (const auto* l : {&uno, &dos})
     EXPECT_EQ(std::count_if(l->begin(), l->end(), [](const std::string& x) { return x.starts_with("TRA"); }),

@@ -329,16 +329,15 @@ void ponDocumento(const fs::path& mes, const std::string& empresa, const std::st
   sqlite3_close(bd);
 }
 
-TEST_F(CliOficina, UnFicheroConUnaLineaCortadaSeDejaPeroElTrabajoAcabaCon1) {
-  // A document of 18 characters makes the worker's TRA line 74 long: kept cut to 70,
-  // and told.
+TEST_F(CliOficina, UnaLineaQuePasaDe70NoDejaFicheroYSeNombra) {
+  // A document of 18 characters makes the worker's TRA line 74 long: no file, and the
+  // message names the line's kind, the worker and the company.
   ponDocumento(c / "programa" / "PX202610.MDB", "28107654331", "00001", "123456789012345678");
   const Resultado r = fan({"--nombre", "largo"});
   EXPECT_EQ(r.estado, 1) << r.errores;
-  EXPECT_NE(r.errores.find("pasaban de 70 caracteres"), std::string::npos) << r.errores;
-  const auto lineas = pruebas::registros(carpetaFan() / "LARGO000.FAN");
-  ASSERT_FALSE(lineas.empty());
-  for (const std::string& l : lineas) EXPECT_EQ(l.size(), 70u) << l;
+  EXPECT_NE(r.errores.find("TRA del trabajador 00001 de la empresa 28107654331 mide 74 caracteres"), std::string::npos)
+      << r.errores;
+  EXPECT_FALSE(std::filesystem::exists(carpetaFan() / "LARGO000.FAN"));
 }
 
 TEST_F(CliOficina, ElBoletinSoloSaleAUnaImpresoraConocidaOAUnFicheroDeTrabajo) {
