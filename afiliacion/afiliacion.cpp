@@ -648,7 +648,7 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
   try {
     escribeFicherosAfi(programa, pagina, afi, nombres, rutas);
   } catch (const ErrorFichero& e) {
-    dialogos.mensaje(tituloAFILIA(), e.what(), Icono::Critico);
+    dialogos.mensaje(tituloAFILIA(), conFicheroNoGenerado(e.what()), Icono::Critico);
     return {};
   }
   afi.progreso = 100;

@@ -227,7 +227,13 @@ void COTVAL::CALCULAEMPRESAS(const COTIZACION& sel) {
     programa_.dialogos().progreso(porcentaje, "Calculando: " + f.BNOMBRE.texto(), f.BTRABA.texto());
     GRID1.LIMPIAGRID();
     filaDeTrabajo(f);
-    if (CALCULATRABAJADOR) CALCULATRABAJADOR(*this);
+    try {
+      if (CALCULATRABAJADOR) CALCULATRABAJADOR(*this);
+    } catch (const ErrorCampo& e) {
+      // A figure too wide for its line: the job stops, and the user learns whose it is.
+      throw ErrorCampo("Empresa " + recorta(v.EMPACT) + ", trabajador " + recorta(v.TRAACT) + " (" +
+                       recorta(f.BTRABA.texto()) + "): " + e.what());
+    }
     if (trabajadorCalculado) trabajadorCalculado(*this);
   }
 }

@@ -278,7 +278,7 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
     if (const auto motivo = programa.motivoDeFallo(inicio)) throw ErrorFichero(*motivo);
     fichero.confirma();
   } catch (const ErrorValdor& e) {
-    dialogos.mensaje(tituloValdor(), e.what(), Icono::Critico);
+    dialogos.mensaje(tituloValdor(), conFicheroNoGenerado(e.what()), Icono::Critico);
     return std::nullopt;
   }
   dialogos.progreso(100, "Generando fichero:", "");

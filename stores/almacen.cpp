@@ -98,8 +98,18 @@ ErrorAlmacen errorDanado(const std::filesystem::path& ruta, std::string detalle)
       case SQLITE_IOERR:
       case SQLITE_READONLY:
       case SQLITE_CANTOPEN:
-      case SQLITE_PERM:
-        return ErrorAlmacen(ErrorAlmacen::Tipo::Disco, "No se puede escribir o leer " + fichero + ": " + detalle + ".");
+      case SQLITE_PERM: {
+        // The system's own reason, in Spanish, when the engine kept one.
+        const int sistema = db_ ? sqlite3_system_errno(db_) : 0;
+        if (esDiscoLleno(sistema) || sistema == EFBIG)
+          return ErrorAlmacen(ErrorAlmacen::Tipo::Disco,
+                              "No queda espacio en el disco para escribir en " + fichero + ".");
+        const std::string razon = sistema                               ? razonDelSistema(sistema)
+                                  : (codigo & 0xFF) == SQLITE_IOERR     ? std::string("error de entrada y salida del disco")
+                                  : (codigo & 0xFF) == SQLITE_CANTOPEN  ? std::string("no se puede abrir")
+                                                                        : std::string("no hay permiso");
+        return ErrorAlmacen(ErrorAlmacen::Tipo::Disco, "No se puede escribir o leer " + fichero + ": " + razon + ".");
+      }
       case SQLITE_CONSTRAINT:
         return ErrorAlmacen(ErrorAlmacen::Tipo::Duplicado,
                             "Ya existe un registro con la misma clave en " + fichero + " (" + std::string(que) + ").");

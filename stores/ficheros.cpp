@@ -46,6 +46,12 @@ std::string razonDelSistema(int error) {
   }
 }
 
+std::string conFicheroNoGenerado(std::string_view mensaje) {
+  std::string r(mensaje);
+  if (r.find("no se ha generado") == std::string::npos) r += " El fichero no se ha generado.";
+  return r;
+}
+
 bool esDiscoLleno(int error) { return error == ENOSPC || error == EDQUOT; }
 
 std::filesystem::path resuelveFichero(const std::filesystem::path& carpeta, std::string_view nombre) {

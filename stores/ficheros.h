@@ -15,6 +15,10 @@
 
 namespace valdor {
 
+// The message of a failure that stopped a job, ending by saying that no file was made
+// (unless it says so already).
+std::string conFicheroNoGenerado(std::string_view mensaje);
+
 // A path as the messages show it: Windows-1252 text between double quotes.
 std::string entreComillas(const std::filesystem::path& ruta);
 
