@@ -81,13 +81,14 @@ const std::array<Orden, 8>& ordenes() {
 )"_cp},
       {"afi", R"(  afi      [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
            [--clave V] [--nueva-clave V] [--borrar-pendientes]
-           escribe el fichero de afiliación .AFI de los trabajadores pendientes; con
-           --borrar-pendientes vacía después la tabla de pendientes
+           escribe los ficheros de afiliación .AFI de los trabajadores pendientes; con
+           --borrar-pendientes borra después los pendientes que van en ellos
 )"_cp,
        false, true, R"(  --clave V         clave de la línea SIL, hasta 8 caracteres
   --nueva-clave V   nueva clave de la línea SIL, hasta 8 caracteres
   --borrar-pendientes
-                    vacía la tabla de pendientes después de escribir el fichero
+                    borra de la lista de pendientes, por su clave, los que van
+                    en los ficheros escritos, después de escribirlos
 )"_cp},
       {"imprimir", R"(  imprimir --empresa CODIGO [--mes M --ano A] [--puerto P] [--red]
            imprime el boletín TC1 de la empresa en el impreso: en el puerto P, o en el de
