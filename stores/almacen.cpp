@@ -136,7 +136,7 @@ bool Almacen::crea(const std::filesystem::path& ruta, std::span<const DefTabla> 
     if (e == ENOSPC)
       throw ErrorAlmacen(ErrorAlmacen::Tipo::Disco, "No queda espacio en el disco para crear " + fichero + ".");
     throw ErrorAlmacen(ErrorAlmacen::Tipo::Otro,
-                       "No se puede crear " + fichero + ": " + utf8ACp1252(std::strerror(e)) + ".");
+                       "No se puede crear " + fichero + ": " + razonDelSistema(e) + ".");
   }
   ::close(fd);
 

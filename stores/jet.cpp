@@ -82,14 +82,14 @@ class Lector {
  public:
   Lector(const std::filesystem::path& ruta, const std::vector<std::string>& tablas) {
     int tubo[2];
-    if (::pipe2(tubo, O_CLOEXEC) != 0) throw Rotura{std::string("no se puede crear la tubería: ") + std::strerror(errno)};
+    if (::pipe2(tubo, O_CLOEXEC) != 0) throw Rotura{std::string("no se puede crear la tubería: ") + cp1252AUtf8(razonDelSistema(errno))};
     // A larger pipe lets the reader run ahead while the copy inserts.
     ::fcntl(tubo[1], F_SETPIPE_SZ, 1 << 20);
     pid_ = ::fork();
     if (pid_ < 0) {
       ::close(tubo[0]);
       ::close(tubo[1]);
-      throw Rotura{std::string("no se puede iniciar el lector: ") + std::strerror(errno)};
+      throw Rotura{std::string("no se puede iniciar el lector: ") + cp1252AUtf8(razonDelSistema(errno))};
     }
     if (pid_ == 0) {
       ::close(tubo[0]);

@@ -9,6 +9,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstdio>
 #include <map>
 #include <memory>
@@ -1160,7 +1161,7 @@ void creaCarpeta(const fs::path& carpeta) {
   fs::create_directories(carpeta, ec);
   if (ec || !fs::is_directory(carpeta))
     throw ErrorMuestra("No se puede crear la carpeta " + entreComillas(carpeta) + ": " +
-                       utf8ACp1252(ec.message()) + ".");
+                       razonDelSistema(ec ? ec.value() : ENOTDIR) + ".");
 }
 
 }  // namespace
