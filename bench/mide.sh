@@ -1,7 +1,10 @@
 #!/usr/bin/env bash
 # Times `valdor-cli fan` over a large generated office, at two sizes: N companies of M
 # workers, then 2N companies. Prints, for each size, the seconds, the workers per second
-# and the peak memory, and at the end the ratio of the two times.
+# and the peak memory; beside it the floor of the run (build/valdor-suelo: every value of
+# the month's NOMIN read as text through the bare SQLite API and through the store layer,
+# and a file of the FAN file's size written) and the ratio run time / floor time; at the
+# end the ratio of the two sizes' times.
 #
 #   bench/mide.sh [EMPRESAS [TRABAJADORES]]      (2000 and 25 by default)
 #
@@ -12,7 +15,9 @@ raiz=$(cd "$(dirname "$0")/.." && pwd)
 cli="$raiz/build/valdor-cli"
 empresas=${1:-2000}
 trabajadores=${2:-25}
+suelo="$raiz/build/valdor-suelo"
 [[ -x "$cli" ]] || { echo "Falta $cli: compile antes con tools/compila.sh" >&2; exit 1; }
+[[ -x "$suelo" ]] || { echo "Falta $suelo: compile antes con tools/compila.sh" >&2; exit 1; }
 [[ -x /usr/bin/time ]] || { echo "Falta /usr/bin/time (paquete time)" >&2; exit 1; }
 
 # One size: the office written fresh, then the FAN file of the whole month timed.
@@ -34,6 +39,12 @@ mide() {
   awk -v n="$n" -v m="$trabajadores" -v t="$total" -v s="$SEGUNDOS" -v k="$MEMORIA" -v l="$lineas" 'BEGIN {
     printf "%6d empresas x %d = %7d trabajadores: %7.2f s, %8.0f trabajadores/s, memoria máxima %6.1f MiB, %d líneas\n",
            n, m, t, s, (s > 0 ? t / s : 0), k / 1024, l }'
+  # The floor, in the same run, over the same month and for a file of the same size.
+  "$suelo" "$oficina/programa/PX202610.MDB" "$(stat -c %s "$fichero")" "$oficina/suelo.txt" > "$oficina/suelo-medida.txt"
+  awk -v s="$SEGUNDOS" '
+    $1 == "almacen" { a = $2 } $1 == "sqlite" { q = $2 } $1 == "escritura" { e = $2 }
+    END { printf "        suelo: SQLite %.2f s, capa de almacenes %.2f s, escritura %.2f s; razón ejecución / suelo: %.2f\n",
+                 q, a, e, (q + e > 0 ? s / (q + e) : 0) }' "$oficina/suelo-medida.txt"
 }
 
 mide "$empresas"
