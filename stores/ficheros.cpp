@@ -15,7 +15,20 @@ namespace valdor {
 
 std::string entreComillas(const std::filesystem::path& ruta) { return "\"" + utf8ACp1252(ruta.string()) + "\""; }
 
-std::string razonDelSistema(int error) { return utf8ACp1252(std::generic_category().message(error)); }
+// The reasons a clerk meets, in Spanish; any other as the system words it.
+std::string razonDelSistema(int error) {
+  switch (error) {
+    case EACCES:
+    case EPERM: return "no hay permiso para leerlo o escribirlo";
+    case ENOENT: return "no existe";
+    case EISDIR: return "es una carpeta, no un fichero";
+    case ENOTDIR: return "una parte de la ruta no es una carpeta";
+    case EIO: return "error de lectura o escritura en el disco";
+    case EROFS: return "el disco es de solo lectura";
+    case ENOSPC: return "no queda espacio en el disco";
+    default: return utf8ACp1252(std::generic_category().message(error));
+  }
+}
 
 bool esDiscoLleno(int error) { return error == ENOSPC || error == EDQUOT; }
 
