@@ -24,9 +24,16 @@ void Programa::detectaSeparadores() {
   }
 }
 
+// A settings file that cannot be read, or holds no settings record, leaves the start
+// with blank settings and no message: the wizard's load, the configuration and every
+// job read the file again and tell the user why, each where it stops.
 void Programa::leeAjustes() {
-  FicheroAjustes fichero(carpetas().trabajo);
-  registro = leeAjustesAlArrancar(fichero);
+  try {
+    FicheroAjustes fichero(carpetas().trabajo);
+    registro = leeAjustesAlArrancar(fichero);
+  } catch (const ErrorAjustes&) {
+    registro = registroEnBlanco();
+  }
   g.RUTAWS = registro.RUTAWINSUITE;
 }
 
