@@ -15,13 +15,9 @@ void Programa::detectaSeparadores() {
   // 166.386 lies below 1000, so its formatted text holds no thousands mark: a comma in
   // it can only be the decimal one.
   const std::string formateado = formatea(166.386, "##,##0.00", sistema_);
-  if (formateado.find(',') != std::string::npos) {
-    g.SEPDECIMAL = ",";
-    g.SEPMILES = ".";
-  } else {
-    g.SEPDECIMAL = ".";
-    g.SEPMILES = ",";
-  }
+  const bool coma = formateado.find(',') != std::string::npos;
+  g.SEPDECIMAL = std::string(1, coma ? ',' : '.');
+  g.SEPMILES = std::string(1, coma ? '.' : ',');
 }
 
 // A settings file that cannot be read, or holds no settings record, leaves the start

@@ -13,7 +13,9 @@
 
 namespace valdor {
 
-std::string entreComillas(const std::filesystem::path& ruta) { return "\"" + utf8ACp1252(ruta.string()) + "\""; }
+std::string entreComillas(const std::filesystem::path& ruta) {
+  return std::string(1, '"').append(utf8ACp1252(ruta.string())).append(1, '"');
+}
 
 // The reasons a clerk meets, in Spanish; any other as the system words it.
 std::string razonDelSistema(int error) {
