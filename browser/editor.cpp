@@ -1,8 +1,11 @@
 #include "browser/editor.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
 #include <algorithm>
-#include <fstream>
-#include <iterator>
+#include <cerrno>
 
 #include "stores/ficheros.h"
 #include "stores/literales.h"
@@ -11,22 +14,101 @@
 
 namespace valdor {
 
+namespace {
+constexpr std::uintmax_t LONGITUDLINEA = 70;
+}  // namespace
+
 int filasEstimadas(std::uintmax_t bytes, bool EDITAAFI) {
   return static_cast<int>(redondeoPar(static_cast<double>(bytes) / 70)) + (EDITAAFI ? 1 : 0);
 }
 
-std::vector<std::string> leeLineas(const std::filesystem::path& fichero) {
-  std::ifstream entrada(fichero, std::ios::binary);
-  const std::string bytes{std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>()};
+// ---- Reading a file line by line ------------------------------------------------------
+
+namespace {
+
+constexpr std::size_t TAMANOBLOQUE = 64 * 1024;
+
+[[noreturn]] void fallaLectura(const std::filesystem::path& fichero, int error) {
+  if (error == ENOENT) throw ErrorFichero("No existe el fichero " + entreComillas(fichero) + ".");
+  if (error == EISDIR) throw ErrorFichero(entreComillas(fichero) + " es una carpeta, no un fichero.");
+  throw ErrorFichero("No se puede leer el fichero " + entreComillas(fichero) + ": " + razonDelSistema(error) + ".");
+}
+
+}  // namespace
+
+LectorLineas::LectorLineas(const std::filesystem::path& fichero, std::size_t limite)
+    : fichero_(fichero), limite_(limite) {
+  fd_ = ::open(fichero.c_str(), O_RDONLY | O_CLOEXEC);
+  if (fd_ < 0) fallaLectura(fichero_, errno);
+  struct stat st {};
+  if (::fstat(fd_, &st) != 0 || S_ISDIR(st.st_mode)) {
+    const int error = S_ISDIR(st.st_mode) ? EISDIR : errno;
+    ::close(fd_);
+    fallaLectura(fichero_, error);
+  }
+  bloque_.resize(TAMANOBLOQUE);
+}
+
+LectorLineas::~LectorLineas() {
+  if (fd_ >= 0) ::close(fd_);
+}
+
+bool LectorLineas::llena() {
+  posicion_ = tope_ = 0;
+  while (true) {
+    const ssize_t n = ::read(fd_, bloque_.data(), bloque_.size());
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) fallaLectura(fichero_, errno);
+    tope_ = static_cast<std::size_t>(n);
+    return n > 0;
+  }
+}
+
+int LectorLineas::siguienteByte() {
+  if (posicion_ == tope_ && !llena()) return -1;
+  return static_cast<unsigned char>(bloque_[posicion_++]);
+}
+
+// A line runs up to its first CR or LF. A CR followed by LF ends it as CR LF; a CR before
+// any other byte, or before the end of the file, ends it alone, and the byte after it
+// starts the next line.
+bool LectorLineas::siguiente(LineaLeida& linea) {
+  linea.texto.clear();
+  linea.longitud = 0;
+  int c = siguienteByte();
+  if (c < 0) return false;
+  while (c >= 0 && c != '\r' && c != '\n') {
+    if (linea.texto.size() < limite_) linea.texto += static_cast<char>(c);
+    ++linea.longitud;
+    c = siguienteByte();
+  }
+  if (c < 0) {
+    linea.fin = FinDeLinea::Ninguno;
+  } else if (c == '\n') {
+    linea.fin = FinDeLinea::LF;
+  } else if (posicion_ == tope_ && !llena()) {
+    linea.fin = FinDeLinea::CR;
+  } else if (bloque_[posicion_] == '\n') {
+    ++posicion_;
+    linea.fin = FinDeLinea::CRLF;
+  } else {
+    linea.fin = FinDeLinea::CR;
+  }
+  return true;
+}
+
+std::vector<std::string> leeLineas(const std::filesystem::path& fichero, std::vector<FinDeLinea>* finales) {
   std::vector<std::string> lineas;
-  std::size_t desde = 0;
-  while (desde < bytes.size()) {
-    std::size_t fin = bytes.find('\n', desde);
-    if (fin == std::string::npos) fin = bytes.size();
-    std::size_t corte = fin;
-    if (corte > desde && bytes[corte - 1] == '\r') --corte;
-    lineas.push_back(bytes.substr(desde, corte - desde));
-    desde = fin + 1;
+  if (finales) finales->clear();
+  try {
+    LectorLineas lector(fichero);
+    LineaLeida linea;
+    while (lector.siguiente(linea)) {
+      lineas.push_back(std::move(linea.texto));
+      if (finales) finales->push_back(linea.fin);
+    }
+  } catch (const ErrorFichero&) {
+    // The editor shows what could be read, as the load has always done.
   }
   return lineas;
 }
@@ -68,50 +150,73 @@ const std::vector<std::string_view>& segmentosDe(TipoIntercambio tipo) {
   return tipo == TipoIntercambio::FAN ? fan : tipo == TipoIntercambio::AFI ? afi : ninguno;
 }
 
-std::vector<std::string> observacionesDeLinea(std::string_view linea, TipoIntercambio tipo) {
-  std::vector<std::string> r;
-  if (recorta(linea).empty()) return r;
-  if (linea.size() != 70) r.push_back("longitud " + std::to_string(linea.size()));
+FaltasLinea faltasDeLinea(std::string_view texto, std::uintmax_t longitud, FinDeLinea fin, TipoIntercambio tipo) {
+  FaltasLinea f;
+  if (recorta(texto).empty()) return f;
+  if (longitud != LONGITUDLINEA) f.longitud = longitud;
   const auto& segmentos = segmentosDe(tipo);
-  const std::string_view segmento = linea.substr(0, 3);
+  const std::string_view segmento = texto.substr(0, 3);
   if (!segmentos.empty() && std::find(segmentos.begin(), segmentos.end(), segmento) == segmentos.end())
-    r.push_back("segmento " + std::string(segmento));
+    f.segmento = std::string(segmento);
+  if (fin != FinDeLinea::CRLF) f.fin = fin;
+  return f;
+}
+
+std::vector<std::string> observacionesDeLinea(std::string_view linea, TipoIntercambio tipo, FinDeLinea fin) {
+  const FaltasLinea f = faltasDeLinea(linea, linea.size(), fin, tipo);
+  std::vector<std::string> r;
+  if (f.longitud) r.push_back("longitud " + std::to_string(*f.longitud));
+  if (f.segmento) r.push_back("segmento " + imprimible(*f.segmento));
+  if (f.fin == FinDeLinea::LF) r.push_back("fin LF");
+  if (f.fin == FinDeLinea::CR) r.push_back("fin CR");
+  if (f.fin == FinDeLinea::Ninguno) r.push_back(std::string("sin fin de línea"_cp));
   return r;
+}
+
+void cuentaLinea(CuentasPie& c, std::string_view l) {
+  if (recorta(l).empty()) return;
+  ++c.lineas;
+  if (l.starts_with("EMP")) ++c.empresas;
+  if (l.starts_with("ETF")) {
+    // The counts are the 13 figures that end the trailer before its blanks: 5 of
+    // companies and 8 of lines.
+    const std::string cifras = derecha(recortaDer(l), 13);
+    c.hayPie = cifras.size() == 13 &&
+               std::all_of(cifras.begin(), cifras.end(), [](char ch) { return ch >= '0' && ch <= '9'; });
+    c.empresasPie = c.hayPie ? std::stol(cifras.substr(0, 5)) : 0;
+    c.lineasPie = c.hayPie ? std::stol(cifras.substr(5)) : 0;
+  }
 }
 
 CuentasPie cuentasDelPie(const std::vector<std::string>& lineas) {
   CuentasPie c;
-  for (const std::string& l : lineas) {
-    if (recorta(l).empty()) continue;
-    ++c.lineas;
-    if (l.starts_with("EMP")) ++c.empresas;
-    if (l.starts_with("ETF")) {
-      // The counts are the 13 figures that end the trailer before its blanks: 5 of
-      // companies and 8 of lines.
-      const std::string cifras = derecha(recortaDer(l), 13);
-      c.hayPie = cifras.size() == 13 &&
-                 std::all_of(cifras.begin(), cifras.end(), [](char ch) { return ch >= '0' && ch <= '9'; });
-      c.empresasPie = c.hayPie ? std::stol(cifras.substr(0, 5)) : 0;
-      c.lineasPie = c.hayPie ? std::stol(cifras.substr(5)) : 0;
-    }
-  }
+  for (const std::string& l : lineas) cuentaLinea(c, l);
   return c;
 }
 
-std::vector<std::string> informeRevision(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
+std::vector<std::string> RevisionFichero::revisa(const LineaLeida& linea) {
+  ++numero_;
+  cuentaLinea(cuentas_, linea.texto);
+  const FaltasLinea f = faltasDeLinea(linea.texto, linea.longitud, linea.fin, tipo_);
   std::vector<std::string> informe;
-  const std::string nombreTipo = tipo == TipoIntercambio::FAN ? "FAN" : "AFI";
-  for (std::size_t i = 0; i < lineas.size(); ++i) {
-    const std::string& l = lineas[i];
-    if (recorta(l).empty()) continue;
-    const std::string numero = std::string("Línea "_cp) + std::to_string(i + 1) + ": ";
-    if (l.size() != 70)
-      informe.push_back(numero + "tiene " + std::to_string(l.size()) + " caracteres y debe tener 70.");
-    const auto& segmentos = segmentosDe(tipo);
-    if (!segmentos.empty() && std::find(segmentos.begin(), segmentos.end(), l.substr(0, 3)) == segmentos.end())
-      informe.push_back(numero + "\"" + l.substr(0, 3) + "\" no es un segmento de un fichero " + nombreTipo + ".");
-  }
-  const CuentasPie c = cuentasDelPie(lineas);
+  if (f.ninguna()) return informe;
+  faltas_ = true;
+  const std::string numero = std::string("Línea "_cp) + std::to_string(numero_) + ": ";
+  if (f.longitud)
+    informe.push_back(numero + "tiene " + std::to_string(*f.longitud) + " caracteres y debe tener 70.");
+  if (f.segmento)
+    informe.push_back(numero + "\"" + imprimible(*f.segmento) + "\" no es un segmento de un fichero " +
+                      (tipo_ == TipoIntercambio::FAN ? "FAN" : "AFI") + ".");
+  if (f.fin == FinDeLinea::LF) informe.push_back(numero + "termina en LF y no en CR LF.");
+  if (f.fin == FinDeLinea::CR) informe.push_back(numero + "termina en CR y no en CR LF.");
+  if (f.fin == FinDeLinea::Ninguno)
+    informe.push_back(numero + std::string("es la última y no termina en CR LF."_cp));
+  return informe;
+}
+
+std::vector<std::string> RevisionFichero::cierre() const {
+  const CuentasPie& c = cuentas_;
+  std::vector<std::string> informe;
   if (!c.hayPie) {
     informe.push_back(std::string("No hay línea de cierre ETF con sus cuentas de empresas y de líneas."_cp));
   } else if (c.cuadran()) {
@@ -125,6 +230,18 @@ std::vector<std::string> informeRevision(const std::vector<std::string>& lineas,
       informe.push_back(std::string("El cierre ETF cuenta "_cp) + std::to_string(c.lineasPie) + std::string(" líneas y el fichero tiene "_cp) +
                         std::to_string(c.lineas) + ".");
   }
+  return informe;
+}
+
+std::vector<std::string> informeRevision(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
+  RevisionFichero revision(tipo);
+  std::vector<std::string> informe;
+  for (const std::string& l : lineas) {
+    const auto faltas = revision.revisa(LineaLeida{l, l.size(), FinDeLinea::CRLF});
+    informe.insert(informe.end(), faltas.begin(), faltas.end());
+  }
+  const auto cierre = revision.cierre();
+  informe.insert(informe.end(), cierre.begin(), cierre.end());
   return informe;
 }
 

@@ -1,7 +1,6 @@
 // valdor-cli revisar: the editor's checks of an exchange file, printed.
 
 #include <iostream>
-#include <system_error>
 
 #include "browser/editor.h"
 #include "cli/consola.h"
@@ -28,25 +27,28 @@ fs::path ficheroDeLaLlamada(const Llamada& llamada, const std::string& nombre) {
 
 }  // namespace
 
+// The file is read a line at a time and each finding printed as it is met, so that a
+// file of any size is checked in the same memory.
 int ordenRevisar(const Llamada& llamada) {
   if (llamada.argumentos.size() != 1 || llamada.argumentos[0].starts_with("--"))
-    throw ErrorLlamada("revisar espera el fichero que se ha de revisar, y nada más.");
+    throw ErrorLlamada(std::string("revisar espera el fichero que se ha de revisar, y nada más."_cp));
   const fs::path fichero = ficheroDeLaLlamada(llamada, llamada.argumentos[0]);
-  std::error_code ec;
-  if (!fs::is_regular_file(fichero, ec)) throw ErrorTrabajo("No existe el fichero " + entreComillas(fichero) + ".");
-
-  const std::vector<std::string> lineas = leeLineas(fichero);
   const TipoIntercambio tipo = tipoDeFichero(fichero.filename().string());
-  escribeLinea(std::cout, "Fichero " + entreComillas(fichero) + ": " + std::to_string(lineas.size()) +
-                              std::string(" líneas."_cp));
-  if (tipo == TipoIntercambio::Otro)
-    escribeLinea(std::cout, "No es un fichero .FAN ni .AFI: solo se revisa la longitud de las líneas.");
-  const std::vector<std::string> informe = informeRevision(lineas, tipo);
-  for (const std::string& l : informe) escribeLinea(std::cout, l);
-  // The report ends with the trailer's verdict; anything before it is a fault, and so is
-  // a trailer that does not tally.
-  const bool bien = informe.size() == 1 && cuentasDelPie(lineas).cuadran();
-  return bien ? SALIDABIEN : SALIDAFALLO;
+  try {
+    LectorLineas lector(fichero, LIMITELINEA);
+    escribeLinea(std::cout, "Fichero " + entreComillas(fichero) + ":");
+    if (tipo == TipoIntercambio::Otro)
+      escribeLinea(std::cout, "No es un fichero .FAN ni .AFI: solo se revisan la longitud y el fin de las líneas."_cp);
+    RevisionFichero revision(tipo);
+    LineaLeida linea;
+    while (lector.siguiente(linea))
+      for (const std::string& l : revision.revisa(linea)) escribeLinea(std::cout, l);
+    escribeLinea(std::cout, std::to_string(revision.lineas()) + std::string(" líneas."_cp));
+    for (const std::string& l : revision.cierre()) escribeLinea(std::cout, l);
+    return revision.bien() ? SALIDABIEN : SALIDAFALLO;
+  } catch (const ErrorFichero& e) {
+    throw ErrorTrabajo(e.what());
+  }
 }
 
 }  // namespace valdor::cli

@@ -47,7 +47,7 @@ static_assert(166 + ANCHOFECHAAUTORIZA == LONGITUDREGISTRO);
 std::string aBytes(const REGINTERCAMBIO& reg) {
   std::string bytes;
   bytes.reserve(LONGITUDREGISTRO);
-  for (const Campo& c : CAMPOS) bytes += ajusta(reg.*c.miembro, c.ancho);
+  for (const Campo& c : CAMPOS) bytes += imprimible(ajusta(reg.*c.miembro, c.ancho));
   return bytes;
 }
 
@@ -58,8 +58,39 @@ std::string aBytes(const REGINTERCAMBIO& reg) {
 void desdeBytes(std::string_view bytes, REGINTERCAMBIO& reg) {
   for (const Campo& c : CAMPOS) {
     if (bytes.size() <= c.desde) break;
-    reg.*c.miembro = ajusta(bytes.substr(c.desde, c.ancho), c.ancho);
+    reg.*c.miembro = imprimible(ajusta(bytes.substr(c.desde, c.ancho), c.ancho));
   }
+}
+
+// A drive ("C:\", "c:/"), a share ("\\servidor\recurso") or a native absolute path,
+// with none of the characters that Windows refuses in a path.
+bool esRutaDePrograma(std::string_view ruta) {
+  if (ruta.find_first_of("<>\"|?*") != std::string_view::npos) return false;
+  if (std::any_of(ruta.begin(), ruta.end(), esControl)) return false;
+  auto letra = [](char c) { return (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z'); };
+  const bool unidad = ruta.size() >= 3 && letra(ruta[0]) && ruta[1] == ':' && (ruta[2] == '\\' || ruta[2] == '/');
+  const bool recurso = ruta.size() >= 3 && ruta.starts_with("\\\\") && ruta[2] != '\\';
+  const bool nativa = ruta.size() >= 2 && ruta[0] == '/' && ruta[1] != '/';
+  return unidad || recurso || nativa;
+}
+
+namespace {
+
+std::string defectoDeTamano(std::uintmax_t tamano) {
+  return "mide " + std::to_string(tamano) + " bytes y un registro de ajustes mide " + std::to_string(LONGITUDREGISTRO);
+}
+
+}  // namespace
+
+std::optional<std::string> defectoDelRegistro(std::string_view bytes) {
+  if (bytes.size() != LONGITUDREGISTRO) return defectoDeTamano(bytes.size());
+  const auto control = std::find_if(bytes.begin(), bytes.end(), esControl);
+  if (control != bytes.end())
+    return "tiene un car\xE1" "cter de control en el byte " + std::to_string(control - bytes.begin() + 1);
+  const std::string ruta = recorta(bytes.substr(16, ANCHORUTAWINSUITE));
+  if (!ruta.empty() && ruta.front() != '0' && !esRutaDePrograma(ruta))
+    return "su ruta de Winsuite \"" + ruta + "\" no es una ruta de Windows";
+  return std::nullopt;
 }
 
 // ---- The open settings file ------------------------------------------------------------
@@ -67,7 +98,13 @@ void desdeBytes(std::string_view bytes, REGINTERCAMBIO& reg) {
 FicheroAjustes::FicheroAjustes(const std::filesystem::path& carpeta)
     : ruta_(resuelveFichero(carpeta, FICHEROAJUSTES)) {
   fd_ = ::open(ruta_.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0666);
-  if (fd_ < 0) errorApertura_ = errno;
+  if (fd_ >= 0) return;
+  errorApertura_ = errno;
+  // A file that may be read but not written still gives its settings.
+  if (errorApertura_ == EACCES || errorApertura_ == EROFS || errorApertura_ == EPERM || errorApertura_ == EISDIR) {
+    fd_ = ::open(ruta_.c_str(), O_RDONLY | O_CLOEXEC);
+    soloLectura_ = fd_ >= 0;
+  }
 }
 
 FicheroAjustes::~FicheroAjustes() {
@@ -83,28 +120,46 @@ std::uintmax_t FicheroAjustes::longitud() const {
 }
 
 bool FicheroAjustes::lee(REGINTERCAMBIO& reg) {
-  if (fd_ < 0) return false;
-  CerrojoRegistro cerrojo(fd_, 0, static_cast<off_t>(LONGITUDREGISTRO));
+  auto falla = [&](int error) {
+    return ErrorAjustes("No se puede leer el fichero de ajustes " + entreComillas(ruta_) + ": " +
+                        razonDelSistema(error) + ".");
+  };
+  if (fd_ < 0) {
+    if (errorApertura_ == ENOENT) return false;  // no folder to make it in: nothing to read
+    throw falla(errorApertura_);
+  }
+  CerrojoRegistro cerrojo(fd_, 0, static_cast<off_t>(LONGITUDREGISTRO), !soloLectura_);
   if (cerrojo.ocupado()) return false;
-  char bufer[LONGITUDREGISTRO];
+  // One byte more than a record tells a file that is longer than one.
+  char bufer[LONGITUDREGISTRO + 1];
   std::size_t leido = 0;
-  while (leido < LONGITUDREGISTRO) {
-    const ssize_t n = ::pread(fd_, bufer + leido, LONGITUDREGISTRO - leido,
-                              static_cast<off_t>(leido));
+  while (leido < sizeof bufer) {
+    const ssize_t n = ::pread(fd_, bufer + leido, sizeof bufer - leido, static_cast<off_t>(leido));
     if (n < 0) {
       if (errno == EINTR) continue;
-      return false;
+      throw falla(errno);
     }
     if (n == 0) break;
     leido += static_cast<std::size_t>(n);
   }
   if (leido == 0) return false;
-  desdeBytes(std::string_view(bufer, leido), reg);
+  const std::string_view bytes(bufer, leido);
+  // A file longer than a record is told by its whole length.
+  const auto defecto = leido > LONGITUDREGISTRO ? defectoDeTamano(std::max(longitud(), leido)) : defectoDelRegistro(bytes);
+  if (defecto) {
+    throw ErrorAjustes("El fichero de ajustes " + entreComillas(ruta_) + " no es un registro de ajustes: " +
+                       *defecto + ". Revise el fichero o b\xF3rrelo y vuelva a configurar el programa.");
+  }
+  desdeBytes(bytes, reg);
   return true;
 }
 
 void FicheroAjustes::escribe(const REGINTERCAMBIO& reg) {
-  if (fd_ < 0) {
+  const std::string bytes = aBytes(reg);
+  if (const auto defecto = defectoDelRegistro(bytes)) {
+    throw ErrorAjustes("No se guardan los ajustes en " + entreComillas(ruta_) + ": " + *defecto + ".");
+  }
+  if (fd_ < 0 || soloLectura_) {
     throw ErrorAjustes("No se puede abrir el fichero de ajustes " + entreComillas(ruta_) +
                        ": " + razonDelSistema(errorApertura_));
   }
@@ -113,7 +168,10 @@ void FicheroAjustes::escribe(const REGINTERCAMBIO& reg) {
     throw ErrorAjustes("El fichero de ajustes " + entreComillas(ruta_) +
                        " est\xE1 bloqueado por otro usuario. Int\xE9ntelo de nuevo m\xE1s tarde.");
   }
-  const int error = escribeTodo(fd_, aBytes(reg), 0);
+  int error = escribeTodo(fd_, bytes, 0);
+  // The file holds one record: whatever stood behind it goes.
+  if (error == 0 && longitud() > LONGITUDREGISTRO && ::ftruncate(fd_, static_cast<off_t>(LONGITUDREGISTRO)) != 0)
+    error = errno;
   if (error == 0) return;
   if (esDiscoLleno(error)) {
     throw ErrorAjustes("No queda espacio en el disco para guardar el fichero de ajustes " +
@@ -166,7 +224,7 @@ std::string leeEmisor(const std::filesystem::path& carpeta) {
   std::string linea;
   if (!entrada || !std::getline(entrada, linea)) return "";
   if (!linea.empty() && linea.back() == '\r') linea.pop_back();
-  return izquierda(linea, ANCHOEMISOR);
+  return imprimible(izquierda(linea, ANCHOEMISOR));
 }
 
 // The name goes to a new file beside the old one, which then takes the old one's place in
@@ -197,7 +255,10 @@ std::array<FilaConfiguracion, 5> cargaConfiguracion(FicheroAjustes& fichero,
                                                      std::string_view EMISORNOMBRE) {
   REGINTERCAMBIO reg = registroDeConfiguracion();
   fichero.lee(reg);
+  return filasDeConfiguracion(reg, EMISORNOMBRE);
+}
 
+std::array<FilaConfiguracion, 5> filasDeConfiguracion(const REGINTERCAMBIO& reg, std::string_view EMISORNOMBRE) {
   std::array<FilaConfiguracion, 5> filas{{
       {"Emisor de Intercambio", recorta(EMISORNOMBRE), ANCHOEMISOR, ""},
       {"Clave de autorizaci\xF3n", recorta(reg.CLAVEAUTORIZA), ANCHOCLAVEAUTORIZA, ""},

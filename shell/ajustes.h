@@ -3,11 +3,12 @@
 // sender's name EMISORNOMBRE, kept in a small file of our own beside it.
 #pragma once
 
-#include "stores/error.h"
+#include "stores/ficheros.h"
 
 #include <array>
 #include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -35,16 +36,28 @@ struct REGINTERCAMBIO {
   std::string FECHAAUTORIZA;
 };
 
-// The record as 176 bytes, and back. `desdeBytes` of fewer bytes takes the fields the
-// bytes cover and leaves the rest of `reg` as it was.
+// The record as 176 bytes, and back. A value reaches the bytes, and comes back from
+// them, as printable text: each control byte becomes a blank. `desdeBytes` of fewer
+// bytes takes the fields the bytes cover and leaves the rest of `reg` as it was.
 std::string aBytes(const REGINTERCAMBIO& reg);
 void desdeBytes(std::string_view bytes, REGINTERCAMBIO& reg);
 
-// A failure that the user must hear of: a full disk, a folder that cannot be written.
-// Its message is Windows-1252 text that names the file.
-class ErrorAjustes : public ErrorValdor {
+// What makes `bytes` something other than a settings record, as a Spanish phrase
+// (Windows-1252); nothing for a sound record. A sound record is 176 bytes long, holds no
+// control byte, and its route is blank, the "no route" that starts with "0", or a path:
+// a Windows one ("C:\...", "\\servidor\...") or the native one that the configuration
+// keeps for a program outside the Wine drives ("/..."), without the characters that no
+// Windows path holds.
+std::optional<std::string> defectoDelRegistro(std::string_view bytes);
+bool esRutaDePrograma(std::string_view ruta);
+
+// A settings file that cannot be read or written, or that holds no settings record.
+// Its message is Windows-1252 text that names the file and says why. Being a failure of
+// a file, the exchange jobs stop on it as on any other, before their file is put in
+// place.
+class ErrorAjustes : public ErrorFichero {
  public:
-  using ErrorValdor::ErrorValdor;
+  using ErrorFichero::ErrorFichero;
 };
 
 // The open settings file: open creates it when missing (then it is empty until the
@@ -64,10 +77,14 @@ class FicheroAjustes {
   std::uintmax_t longitud() const;
   bool vacio() const { return longitud() == 0; }
 
-  // Get record 1 into `reg`. An empty file, a lock that cannot be had or a failed read
-  // change nothing and return false.
+  // Get record 1 into `reg`. An empty file, one that is missing and cannot be made (its
+  // folder is missing) and a lock that cannot be had change nothing and return false.
+  // Throws ErrorAjustes when the file cannot be read, or when what it holds is not a
+  // settings record (`defectoDelRegistro`); `reg` is then as it was.
   bool lee(REGINTERCAMBIO& reg);
-  // Put record 1. Throws ErrorAjustes when the record cannot be written whole.
+  // Put record 1, and nothing after it: the file is one record long. Throws ErrorAjustes
+  // when the record cannot be written whole, or when its route is no path (the file
+  // would no longer read as settings).
   void escribe(const REGINTERCAMBIO& reg);
 
   const std::filesystem::path& ruta() const { return ruta_; }
@@ -75,7 +92,8 @@ class FicheroAjustes {
  private:
   std::filesystem::path ruta_;
   int fd_ = -1;
-  int errorApertura_ = 0;  // errno of a failed open, for the message of `escribe`
+  bool soloLectura_ = false;  // a settings file that this user may read but not write
+  int errorApertura_ = 0;     // errno of a failed open, or of the open for writing, for the messages
 };
 
 // ---- The readers' fills for an empty file -----------------------------------------
@@ -87,6 +105,7 @@ REGINTERCAMBIO registroDeConfiguracion();
 
 // The reading of the main window's start: fill an empty file's record with blanks,
 // get record 1, trim the two keys (the fixed width fills them again on writing).
+// Throws ErrorAjustes as `lee` does.
 REGINTERCAMBIO leeAjustesAlArrancar(FicheroAjustes& fichero);
 
 // ---- Widening of the two 8-character keys -------------------------------------------
@@ -119,9 +138,12 @@ struct FilaConfiguracion {
 
 // The five rows as the dialog's load fills them from the file and the sender's name:
 // row 0 "Emisor de Intercambio", 1 "Clave de autorización", 2 "Clave Silcon",
-// 3 "Fecha de autorización", 4 "Ruta de Winsuite".
+// 3 "Fecha de autorización", 4 "Ruta de Winsuite". Throws ErrorAjustes as `lee` does.
 std::array<FilaConfiguracion, 5> cargaConfiguracion(FicheroAjustes& fichero,
                                                      std::string_view EMISORNOMBRE);
+// The same rows from a record in memory (the dialog's own fill when the file cannot be
+// read).
+std::array<FilaConfiguracion, 5> filasDeConfiguracion(const REGINTERCAMBIO& reg, std::string_view EMISORNOMBRE);
 // The dialog's close: rows 1 to 4 into the record (each cut to its width), put record 1.
 // Row 0 is saved nowhere. Returns the record written.
 REGINTERCAMBIO guardaConfiguracion(FicheroAjustes& fichero,

@@ -113,7 +113,7 @@ void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacio
   pagina.Label13 = dosCifras(m.hora) + dosCifras(m.minuto);
   // "F" and ddmmyyhh is nine characters; the box keeps eight, so the last digit of the
   // hour is lost.
-  const std::string completo = "F" + dosCifras(m.dia) + dosCifras(m.mes) + dosCifras(m.ano % 100) + dosCifras(m.hora);
+  const std::string completo = std::string("F").append(dosCifras(m.dia) + dosCifras(m.mes) + dosCifras(m.ano % 100) + dosCifras(m.hora));
   pagina.Text8 = izquierda(completo, ANCHONOMBREFICHERO);
   if (recorta(pagina.Text8).empty()) {
     programa.dialogos().mensaje(tituloNombreNoValido(), textoNombreNoValido(), Icono::Informacion);

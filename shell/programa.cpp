@@ -16,18 +16,21 @@ void Programa::detectaSeparadores() {
   // 166.386 lies below 1000, so its formatted text holds no thousands mark: a comma in
   // it can only be the decimal one.
   const std::string formateado = formatea(166.386, "##,##0.00", sistema_);
-  if (formateado.find(',') != std::string::npos) {
-    g.SEPDECIMAL = ",";
-    g.SEPMILES = ".";
-  } else {
-    g.SEPDECIMAL = ".";
-    g.SEPMILES = ",";
-  }
+  const bool coma = formateado.find(',') != std::string::npos;
+  g.SEPDECIMAL = std::string(1, coma ? ',' : '.');
+  g.SEPMILES = std::string(1, coma ? '.' : ',');
 }
 
+// A settings file that cannot be read, or holds no settings record, leaves the start
+// with blank settings and no message: the wizard's load, the configuration and every
+// job read the file again and tell the user why, each where it stops.
 void Programa::leeAjustes() {
-  FicheroAjustes fichero(carpetas().trabajo);
-  registro = leeAjustesAlArrancar(fichero);
+  try {
+    FicheroAjustes fichero(carpetas().trabajo);
+    registro = leeAjustesAlArrancar(fichero);
+  } catch (const ErrorAjustes&) {
+    registro = registroEnBlanco();
+  }
   g.RUTAWS = registro.RUTAWINSUITE;
 }
 

@@ -93,7 +93,7 @@ std::string rutaWindows(const std::filesystem::path& nativa, const EntornoWine& 
   auto dentro = [&](const fs::path& base, std::string unidad) -> std::optional<std::string> {
     const fs::path relativa = nativa.lexically_normal().lexically_relative(base.lexically_normal());
     if (relativa.empty() || *relativa.begin() == "..") return std::nullopt;
-    for (const auto& parte : relativa) unidad += "\\" + parte.string();
+    for (const auto& parte : relativa) unidad.append(1, '\\').append(parte.string());
     return unidad;
   };
   if (auto r = dentro(entorno.prefijo / "drive_c", "C:")) return utf8ACp1252(*r);

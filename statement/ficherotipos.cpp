@@ -114,12 +114,12 @@ bool existeConContenido(const fs::path& ruta) {
   return !ec && tam > 0;
 }
 
-// Gives a missing or empty general file its 32 blank records. The file is written in
-// place and only while it is still empty, so a file that holds rates (or one that
-// another copy of the program has just filled) is never changed. Any failure leaves the
-// file as it is: the reads then find no records and give blanks.
+// Gives a missing general file its 32 blank records. The file is made here, so a file
+// that exists (one that holds rates, or one that another copy of the program has just
+// made) is never changed. Any failure leaves things as they are: the reads then find
+// no records and give blanks.
 void preparaFicheroGeneral(const fs::path& ruta) {
-  Descriptor d(::open(ruta.c_str(), O_WRONLY | O_CREAT | O_CLOEXEC, 0666));
+  Descriptor d(::open(ruta.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC, 0666));
   if (!d.abierto()) return;
   struct stat st {};
   if (::fstat(d.fd(), &st) != 0 || !S_ISREG(st.st_mode) || st.st_size != 0) return;
@@ -156,7 +156,7 @@ std::optional<std::array<std::string, 4>> leeRegistroTipos(const fs::path& ruta,
   if (leidos < bytes.size()) return registroEnBlanco();
 
   std::array<std::string, 4> campos;
-  for (std::size_t k = 0; k < 4; ++k) campos[k] = bytes.substr(k * ANCHOTIPCAMPO, ANCHOTIPCAMPO);
+  for (std::size_t k = 0; k < 4; ++k) campos[k] = imprimible(bytes.substr(k * ANCHOTIPCAMPO, ANCHOTIPCAMPO));
   return campos;
 }
 
@@ -166,8 +166,59 @@ fs::path ficheroTiposDe(const fs::path& carpeta, int ano, int mes, std::string_v
     if (existeConContenido(propio)) return propio;
   }
   const fs::path general = resuelveFichero(carpeta, nombreFicheroTipos(ano, mes));
-  if (!existeConContenido(general)) preparaFicheroGeneral(general);
+  std::error_code ec;
+  if (!fs::exists(fs::symlink_status(general, ec))) preparaFicheroGeneral(general);
   return general;
+}
+
+namespace {
+
+// The records whose fields the rates come from, and the last one read.
+constexpr int REGISTROSUSADOS[] = {12, 13, 15, 16, 19, 20, 21, 23, 24, 26, 27, 28};
+constexpr int ULTIMOREGISTROLEIDO = 28;
+
+// A field as the rates take it: blank, or decimal text with blanks around it.
+bool esCampoDeTipo(std::string_view campo) { return esTextoDecimal(recorta(campo)); }
+
+[[noreturn]] void fallaLecturaTipos(const fs::path& ruta, const std::string& motivo) {
+  throw ErrorFicheroTipos("El fichero de tipos " + entreComillas(ruta) + " " + motivo +
+                          ". Sin sus tipos no se pueden calcular las cuotas.");
+}
+
+}  // namespace
+
+void compruebaFicheroTipos(const fs::path& ruta) {
+  Descriptor d(::open(ruta.c_str(), O_RDONLY | O_CLOEXEC));
+  if (!d.abierto()) {
+    if (errno == ENOENT || errno == ENOTDIR) return;  // missing: blank rates
+    fallaLecturaTipos(ruta, "no se puede leer: " + razonDelSistema(errno));
+  }
+  struct stat st {};
+  if (::fstat(d.fd(), &st) != 0) fallaLecturaTipos(ruta, "no se puede leer: " + razonDelSistema(errno));
+  if (S_ISDIR(st.st_mode)) fallaLecturaTipos(ruta, "es una carpeta, no un fichero");
+  if (st.st_size == 0) fallaLecturaTipos(ruta, "est\xE1 vac\xEDo");
+
+  std::string bytes(ULTIMOREGISTROLEIDO * LONGITUDREGISTROTIPOS, ' ');
+  std::size_t leidos = 0;
+  while (leidos < bytes.size()) {
+    const ssize_t n = ::pread(d.fd(), bytes.data() + leidos, bytes.size() - leidos, static_cast<off_t>(leidos));
+    if (n < 0 && errno == EINTR) continue;
+    if (n < 0) fallaLecturaTipos(ruta, "no se puede leer: " + razonDelSistema(errno));
+    if (n == 0) break;
+    leidos += static_cast<std::size_t>(n);
+  }
+  if (leidos < bytes.size())
+    fallaLecturaTipos(ruta, "est\xE1 da\xF1" "ado: mide " + std::to_string(leidos) + " bytes y no llega al registro " +
+                                std::to_string(ULTIMOREGISTROLEIDO) + " (" + std::to_string(bytes.size()) + " bytes)");
+  for (const int numero : REGISTROSUSADOS) {
+    const std::size_t desde = static_cast<std::size_t>(numero - 1) * LONGITUDREGISTROTIPOS;
+    for (std::size_t k = 0; k < 4; ++k) {
+      const std::string_view campo = std::string_view(bytes).substr(desde + k * ANCHOTIPCAMPO, ANCHOTIPCAMPO);
+      if (!esCampoDeTipo(campo))
+        fallaLecturaTipos(ruta, "est\xE1 da\xF1" "ado: el campo " + std::to_string(k + 1) + " del registro " +
+                                    std::to_string(numero) + " no es un tipo (\"" + imprimible(campo) + "\")");
+    }
+  }
 }
 
 std::string tipoPartido(double valor) { return std::string(6, ' ') + izquierda(recorta(textoGeneral(valor)), 5); }
@@ -176,6 +227,7 @@ bool LEETIPOS(const fs::path& carpeta, int ano, int mes, std::string_view codigo
   if (ano <= 1900 || ano >= 2050) return false;
 
   const fs::path ruta = ficheroTiposDe(carpeta, ano, mes, codigoEmpresa);
+  compruebaFicheroTipos(ruta);
   TiposLeidos n;
   // Reads record `numero` (blank when it cannot be read), keeps its fields 2 and 3 as
   // they stand, and gives its four fields.

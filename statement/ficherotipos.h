@@ -4,7 +4,7 @@
 // end mark. The statement run reads the rates of the year from it.
 #pragma once
 
-#include "stores/error.h"
+#include "stores/ficheros.h"
 
 #include <array>
 #include <cstddef>
@@ -23,11 +23,12 @@ inline constexpr std::size_t ANCHOTIPCAMPO = 7;
 // that every record the readers ask for exists.
 inline constexpr std::size_t REGISTROSTIPOSMINIMOS = 32;
 
-// A rate file that cannot be written, or a value that does not fit a field. The message
-// is Windows-1252 text that names the file.
-class ErrorFicheroTipos : public ErrorValdor {
+// A rate file that cannot be written or read, one that is empty or damaged, or a value
+// that does not fit a field. The message is Windows-1252 text that names the file. Being
+// a failure of a file, an exchange job stops on it before its file is put in place.
+class ErrorFicheroTipos : public ErrorFichero {
  public:
-  using ErrorValdor::ErrorValdor;
+  using ErrorFichero::ErrorFichero;
 };
 
 // The name of the rate file of a year: "N-SS", the year in four digits, the employer's
@@ -58,9 +59,9 @@ std::optional<std::array<std::string, 4>> leeRegistroTipos(const std::filesystem
 // The rate file a statement reads for the month: the employer's own file (its trimmed
 // code in the name) when it exists with some content, else the general file of the
 // year. Names are matched ignoring case when the exact one is missing. A general file
-// that is missing or empty is given 32 blank records first, so that it reads as blank
-// rates; a file with content is never touched, and a folder that cannot be written is
-// no error (the read then finds nothing and gives blanks).
+// that is missing is made with 32 blank records first, so that it reads as blank rates;
+// a file that exists is never touched, and a folder that cannot be written is no error
+// (the read then finds nothing and gives blanks).
 std::filesystem::path ficheroTiposDe(const std::filesystem::path& carpeta, int ano, int mes,
                                      std::string_view codigoEmpresa);
 
@@ -111,11 +112,19 @@ struct TiposLeidos {
 // first 5 characters of the trimmed general text of `valor`.
 std::string tipoPartido(double valor);
 
+// The check of a rate file before its rates are read: throws ErrorFicheroTipos when the
+// file exists but cannot be read, is empty, is a folder, ends before record 28 (the
+// last one read), or has a field in a record that the rates come from (12, 13, 15, 16,
+// 19, 20, 21, 23, 24, 26, 27, 28) that is neither blank nor decimal text (digits, at most
+// one point, a minus in front, blanks around). A missing file passes: it reads as blanks.
+void compruebaFicheroTipos(const std::filesystem::path& ruta);
+
 // LEETIPOS: the rates of the month's file for year `ano` (the employer's own file when
 // it has one). A year of 1900 or less, or of 2050 or more, reads nothing: false, and `t`
 // stays as it was. Otherwise records 12, 13, 15, 16, 19, 20, 21, 22, 23, 24, 26, 27 and
 // 28 are read in that order, `t` is filled whole, and the result is true. A record that
-// cannot be read counts as blank.
+// cannot be read counts as blank. A file that fails `compruebaFicheroTipos` throws
+// ErrorFicheroTipos and leaves `t` as it was.
 bool LEETIPOS(const std::filesystem::path& carpeta, int ano, int mes, std::string_view codigoEmpresa,
               TiposLeidos& t);
 

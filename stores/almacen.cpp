@@ -586,9 +586,10 @@ std::vector<Valor> Tabla::clavesParaBuscar(const std::vector<Valor>& claves, std
     const DefColumna& c = columnas_[static_cast<std::size_t>(claves_[k])];
     if (c.tipo == TipoColumna::Fecha && !v.esNulo()) {
       const auto f = leeFechaDMA(recorta(v.texto()));
-      r.push_back(f ? Valor(textoISO(*f)) : v);
+      if (f) r.emplace_back(textoISO(*f));
+      else r.push_back(v);
     } else if (c.tipo == TipoColumna::Texto && v.esNumero()) {
-      r.push_back(Valor(v.texto()));
+      r.emplace_back(v.texto());
     } else {
       r.push_back(v);
     }

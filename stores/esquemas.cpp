@@ -45,8 +45,8 @@ DefTabla defNOMIN() {
     c.push_back(doble("UN" + nn));
     c.push_back(doble("PRE" + nn));
   }
-  for (int i = 1; i <= 9; ++i) c.push_back(doble("TAB" + std::to_string(i)));
-  for (int i = 1; i <= 3; ++i) c.push_back(doble("G" + std::to_string(i)));
+  for (int i = 1; i <= 9; ++i) c.push_back(doble(std::string("TAB").append(std::to_string(i))));
+  for (int i = 1; i <= 3; ++i) c.push_back(doble(std::string("G").append(std::to_string(i))));
   for (int i = 1; i <= 14; ++i)
     if (i != 4) c.push_back(doble("BB" + std::to_string(i)));  // there is no BB4
   for (int i = 1; i <= 4; ++i) c.push_back(doble("TB" + std::to_string(i)));
@@ -76,7 +76,7 @@ DefTabla defINCIDEN(bool conINUM) {
     c.push_back(texto(nombre(base), 15));
     for (int k = 1; k <= 4; ++k) c.push_back(doble(nombre(base + k)));
   }
-  for (int i = 28; i <= 32; ++i) c.push_back(doble("I" + std::to_string(i)));
+  for (int i = 28; i <= 32; ++i) c.push_back(doble(std::string("I").append(std::to_string(i))));
   c.push_back(texto("I33", 1));
   c.push_back(texto("I34", 8));
   c.push_back(texto("I35", 35));

@@ -17,7 +17,9 @@
 
 namespace valdor {
 
-std::string entreComillas(const std::filesystem::path& ruta) { return "\"" + utf8ACp1252(ruta.string()) + "\""; }
+std::string entreComillas(const std::filesystem::path& ruta) {
+  return std::string(1, '"').append(utf8ACp1252(ruta.string())).append(1, '"');
+}
 
 // The reasons a clerk meets when a file or a folder fails, in Spanish: the C library
 // would give them in English. Any other value keeps its number, so support can look it up.
@@ -219,9 +221,7 @@ void FicheroRegistros::imprime(std::string_view linea) {
 }
 
 void FicheroRegistros::imprimeRegistro(std::string_view linea, std::string_view donde) {
-  std::string registro(linea);
-  for (char& c : registro)
-    if (static_cast<unsigned char>(c) < 0x20 || c == 0x7F) c = ' ';
+  const std::string registro = imprimible(linea);
   if (registro.size() != LARGOREGISTRO) {
     // Control characters shown as blanks, and no more than a line's worth.
     throw ErrorFichero(std::string("La línea "_cp) + std::string(donde) + " mide " + std::to_string(registro.size()) +

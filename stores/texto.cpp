@@ -221,6 +221,17 @@ std::string ajusta(std::string_view texto, std::size_t ancho) {
   return llenaDer(texto.substr(0, ancho), ancho, ' ');
 }
 
+bool esControl(char c) {
+  const auto b = static_cast<unsigned char>(c);
+  return b < 0x20 || b == 0x7F;
+}
+
+std::string imprimible(std::string_view texto) {
+  std::string r(texto);
+  std::replace_if(r.begin(), r.end(), esControl, ' ');
+  return r;
+}
+
 std::string mayusculasAscii(std::string_view s) {
   std::string r(s);
   for (char& c : r)

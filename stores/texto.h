@@ -70,4 +70,13 @@ std::string llenaDer(std::string_view texto, std::size_t ancho, char relleno);
 // A fixed-length text field: blanks on the right up to `ancho`, cut at `ancho`.
 std::string ajusta(std::string_view texto, std::size_t ancho);
 
+// True for the bytes that are no character of a line: the control bytes 0x00 to 0x1F
+// and 0x7F. Every other byte is a printable Windows-1252 character (0x80 to 0xFF
+// included: the accents and the bytes of the files' accent table).
+bool esControl(char c);
+// The text as it may stand in an exchange line: each control byte becomes a blank, so
+// that a value read from an outside file keeps its width and never carries a NUL, a
+// tab or a line end into a line.
+std::string imprimible(std::string_view texto);
+
 }  // namespace valdor

@@ -12,7 +12,7 @@ Resultado valdor(const CarpetaTemporal& c, const std::vector<std::string>& argum
   if (conCarpetas)
     orden += " --programa " + paraLaShell((c / "programa").string()) + " --trabajo " +
              paraLaShell((c / "trabajo").string());
-  for (const auto& a : argumentos) orden += " " + paraLaShell(a);
+  for (const auto& a : argumentos) orden.append(1, ' ').append(paraLaShell(a));
   orden += " >" + paraLaShell((c / "salida.txt").string()) + " 2>" + paraLaShell((c / "errores.txt").string());
   const int r = std::system(orden.c_str());
   return {WIFEXITED(r) ? WEXITSTATUS(r) : -1, leeBytes(c / "salida.txt"), leeBytes(c / "errores.txt")};

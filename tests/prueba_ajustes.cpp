@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "shell/ajustes.h"
+#include "stores/texto.h"
 #include "tests/apoyo.h"
 
 namespace valdor {
@@ -58,8 +59,8 @@ TEST_F(Ajustes, GuardarPoneCadaCampoEnSuSitioYLaCargaLoMuestra) {
   FicheroAjustes f(dir);
   auto filas = cargaConfiguracion(f, "");
   EXPECT_EQ(filas[1].valor + "|" + filas[3].valor + "|" + filas[4].valor, "123|01/02/2024|" + RUTA);
-  std::string larga;
-  for (int i = 0; i < 160; ++i) larga += char('A' + i % 26);
+  std::string larga = "C:\\";
+  for (int i = 3; i < 160; ++i) larga += char('A' + i % 26);
   EXPECT_EQ(guarda("1", larga).RUTAWINSUITE, larga.substr(0, 150));
   EXPECT_EQ(bytes("VALDOR.MDB"), "1       ABC     " + larga.substr(0, 150) + "01/02/2024");
   // A route behind a blank or a "0" isn't shown, but the start keeps it untrimmed.
@@ -72,14 +73,98 @@ TEST_F(Ajustes, GuardarPoneCadaCampoEnSuSitioYLaCargaLoMuestra) {
   EXPECT_EQ(cargaConfiguracion(f, "")[4].valor, "");
 }
 
-TEST_F(Ajustes, FicheroCortoEnOtraCajaTomaLosCamposQueAlcanza) {
-  std::ofstream(dir / "valdor.mdb", std::ios::binary) << "12345678ABCDEFGHC:\\W";
+TEST_F(Ajustes, ElFicheroEnOtraCajaSeLeeYSusBytesDeControlNuncaLlegan) {
+  std::ofstream(dir / "valdor.mdb", std::ios::binary)
+      << "12345678ABCDEFGH" << ajusta("\\\\SERVIDOR\\WS\\WINSUITE.EXE", 150) << "01/02/2024";
   FicheroAjustes f(dir);
   EXPECT_EQ(f.ruta().filename(), "valdor.mdb");
   REGINTERCAMBIO r{"x", "x", "x", "fecha"};
   ASSERT_TRUE(f.lee(r));
-  EXPECT_EQ(campos(r), (Campos{"12345678", "ABCDEFGH", "C:\\W" + std::string(146, ' '), "fecha"}));
+  EXPECT_EQ(campos(r), (Campos{"12345678", "ABCDEFGH", ajusta("\\\\SERVIDOR\\WS\\WINSUITE.EXE", 150),
+                               "01/02/2024"}));
   EXPECT_FALSE(fs::exists(dir / "VALDOR.MDB"));
+
+  // A tab typed into a key is stored and read back as a blank: a record on disk never
+  // holds a control byte, so it always reads back as a settings record.
+  REGINTERCAMBIO tab{"12\t4", "A\rB", RUTA, "01/02/2024"};
+  f.escribe(tab);
+  EXPECT_EQ(bytes("valdor.mdb").substr(0, 16), "12 4    A B     ");
+  ASSERT_TRUE(f.lee(r));
+  EXPECT_EQ(r.CLAVEAUTORIZA, "12 4    ");
+  // The same rule where a record is taken from bytes of any kind.
+  desdeBytes(std::string("\0\0\0\0\0\0\0\0\x1F" "B\x7F", 11), r);
+  EXPECT_EQ(r.CLAVEAUTORIZA + "|" + r.CLAVESILCON, std::string(8, ' ') + "| B      ");
+}
+
+// Each way a file can fail to be a settings record, told in a message that names the
+// file, with the record in memory left as it was and the file untouched.
+TEST_F(Ajustes, LoQueNoEsUnRegistroDeAjustesSeDiceYNoSeToca) {
+  const std::string bueno = "123     ABC     " + RUTA + std::string(126, ' ') + "01/02/2024";
+  ASSERT_EQ(bueno.size(), 176u);
+  auto conRuta = [&](const std::string& ruta) { return bueno.substr(0, 16) + ajusta(ruta, 150) + bueno.substr(166); };
+  const std::vector<std::pair<std::string, std::string>> casos{
+      {bueno.substr(0, 175), "mide 175 bytes y un registro de ajustes mide 176"},
+      {bueno + "\r\n", "mide 178 bytes"},
+      {std::string(176, '\0'), "car\xE1" "cter de control en el byte 1"},
+      {bueno.substr(0, 170) + "\n" + bueno.substr(171), "car\xE1" "cter de control en el byte 171"},
+      {conRuta("WINSUITE.EXE"), "su ruta de Winsuite \"WINSUITE.EXE\" no es una ruta de Windows"},
+      {conRuta("C:WINSUITE.EXE"), "no es una ruta de Windows"},
+      {conRuta("C:\\WIN|SUITE.EXE"), "no es una ruta de Windows"},
+      {conRuta("//WINSUITE.EXE"), "no es una ruta de Windows"},
+      {std::string(176, 'X'), "ruta de Winsuite \"" + std::string(150, 'X') + "\""},
+  };
+  for (const auto& [contenido, motivo] : casos) {
+    pruebas::escribeBytes(dir / "VALDOR.MDB", contenido);
+    FicheroAjustes f(dir);
+    REGINTERCAMBIO r{"a", "b", "c", "d"};
+    try {
+      f.lee(r);
+      ADD_FAILURE() << "se ha aceptado: " << motivo;
+    } catch (const ErrorAjustes& e) {
+      const std::string texto = e.what();
+      EXPECT_EQ(texto.rfind("El fichero de ajustes \"" + (dir / "VALDOR.MDB").string() + "\" no es un registro de ajustes: ", 0), 0u) << texto;
+      EXPECT_NE(texto.find(motivo), std::string::npos) << texto;
+    }
+    EXPECT_EQ(campos(r), (Campos{"a", "b", "c", "d"}));
+    EXPECT_EQ(bytes("VALDOR.MDB"), contenido);
+  }
+  // The start's reading fails the same way, as a failure of a file that the exchange
+  // jobs stop on.
+  FicheroAjustes roto(dir);
+  EXPECT_THROW(leeAjustesAlArrancar(roto), ErrorFichero);
+
+  // The routes a sound record may hold: none, the "no route" of a "0", a drive, a share,
+  // a native path.
+  for (const char* ruta : {"", "0", "0 ", "c:/ws/winsuite.exe", "\\\\SRV\\WS\\W.EXE", "/opt/ws/winsuite"}) {
+    pruebas::escribeBytes(dir / "VALDOR.MDB", conRuta(ruta));
+    FicheroAjustes f(dir);
+    REGINTERCAMBIO r;
+    EXPECT_TRUE(f.lee(r)) << ruta;
+  }
+  // Nor is a route that is no path saved: the file would no longer read.
+  FicheroAjustes f(dir);
+  EXPECT_THROW(f.escribe({"1", "2", "WINSUITE.EXE", ""}), ErrorAjustes);
+  EXPECT_EQ(bytes("VALDOR.MDB"), conRuta("/opt/ws/winsuite"));
+  // Saving over a file longer than a record leaves the record alone.
+  pruebas::escribeBytes(dir / "VALDOR.MDB", bueno + bueno);
+  FicheroAjustes largo(dir);
+  largo.escribe({"9", "", RUTA, ""});
+  EXPECT_EQ(bytes("VALDOR.MDB"), "9       " + std::string(8, ' ') + RUTA + std::string(126 + 10, ' '));
+}
+
+TEST_F(Ajustes, UnFicheroQueNoSePuedeLeerDiceElMotivoYNoQueFalteLaRuta) {
+  fs::create_directory(dir / "VALDOR.MDB");
+  FicheroAjustes f(dir);
+  REGINTERCAMBIO r{"a", "b", "c", "d"};
+  try {
+    f.lee(r);
+    ADD_FAILURE() << "una carpeta se ha tomado por ajustes";
+  } catch (const ErrorAjustes& e) {
+    EXPECT_EQ(std::string(e.what()),
+              "No se puede leer el fichero de ajustes \"" + (dir / "VALDOR.MDB").string() + "\": es una carpeta, no un fichero.");
+  }
+  EXPECT_EQ(campos(r), (Campos{"a", "b", "c", "d"}));
+  EXPECT_THROW(f.escribe(registroEnBlanco()), ErrorAjustes);
 }
 
 TEST_F(Ajustes, CerrojoAjenoHaceEsperarYRendirseSinTocarNada) {

@@ -3,8 +3,12 @@
 
 #include <gtest/gtest.h>
 
-#include <map>
+#include <fcntl.h>
+#include <sys/resource.h>
 #include <sys/wait.h>
+#include <unistd.h>
+
+#include <map>
 
 #include <cstdlib>
 
@@ -205,7 +209,24 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   r = valdor(c, {"revisar", (c / "roto.FAN").string()});
   EXPECT_EQ(r.estado, 1);
   EXPECT_NE(r.salida.find("tiene 8 caracteres y debe tener 70."), std::string::npos) << r.salida;
-  EXPECT_EQ(valdor(c, {"revisar", (c / "no-esta.FAN").string()}).estado, 1);
+  // A line whose end is a LF alone is marked with its number.
+  std::string bytes = pruebas::leeBytes(fichero);
+  bytes.erase(70, 1);  // the CR that ends the first line
+  pruebas::escribeBytes(c / "lf.FAN", bytes);
+  r = valdor(c, {"revisar", (c / "lf.FAN").string()});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.salida.find("nea 1: termina en LF y no en CR LF."), std::string::npos) << r.salida;
+  EXPECT_NE(r.salida.find("cuadran con el fichero"), std::string::npos) << r.salida;
+  // A file that is missing, a folder, and a call without a file: each told for what it is.
+  r = valdor(c, {"revisar", (c / "no-esta.FAN").string()});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("No existe el fichero \"" + (c / "no-esta.FAN").string() + "\"."), std::string::npos)
+      << r.errores;
+  fs::create_directory(c / "carpeta.FAN");
+  r = valdor(c, {"revisar", (c / "carpeta.FAN").string()});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("\"" + (c / "carpeta.FAN").string() + "\" es una carpeta, no un fichero."), std::string::npos)
+      << r.errores;
   EXPECT_EQ(valdor(c, {"revisar"}).estado, 2);
 
   // A company code the month does not have: told, and no file.
@@ -215,6 +236,67 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   EXPECT_FALSE(fs::exists(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/OTRO0000.FAN"));
   EXPECT_EQ(valdor(c, {"fan", "--clase", "Z99"}).estado, 2);
   EXPECT_EQ(valdor(c, {"fan", "--nombre", "NUEVENUEV"}).estado, 2);
+}
+
+// A settings file or a rate file that is there but damaged stops the job with a message
+// naming it, and no exchange file is left behind; a sound one lets the job run again.
+TEST(Cli, AjustesOTiposDanadosParanElFanSinDejarFichero) {
+  CarpetaTemporal c;
+  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
+  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
+  const fs::path ajustes = c / "trabajo" / "VALDOR.MDB", tipos = c / "trabajo" / "N-SS2026.MDB";
+  const std::string ajustesSanos = pruebas::leeBytes(ajustes), tiposSanos = pruebas::leeBytes(tipos);
+  const fs::path carpetaFan = c / "wine/drive_c/WINSUITE/VIPTC2/FAN";
+  const std::vector<std::string> fan{"--ahora", "2026-11-15 07:30", "fan", "--mes", "10", "--ano", "2026"};
+
+  for (const std::string& danado : {std::string(176, '\0'), ajustesSanos.substr(0, 100)}) {
+    pruebas::escribeBytes(ajustes, danado);
+    const auto r = valdor(c, fan);
+    EXPECT_EQ(r.estado, 1);
+    EXPECT_NE(r.errores.find("El fichero de ajustes \"" + ajustes.string() + "\" no es un registro de ajustes"),
+              std::string::npos)
+        << r.errores;
+    EXPECT_EQ(r.errores.find("RUTA NO VALIDA"), std::string::npos) << r.errores;
+    EXPECT_FALSE(fs::exists(carpetaFan) && !fs::is_empty(carpetaFan));
+    EXPECT_EQ(pruebas::leeBytes(ajustes), danado);
+  }
+  pruebas::escribeBytes(ajustes, ajustesSanos);
+
+  pruebas::escribeBytes(tipos, tiposSanos.substr(0, 12 * 28));
+  auto r = valdor(c, fan);
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("El fichero de tipos \"" + tipos.string() + "\""), std::string::npos) << r.errores;
+  EXPECT_FALSE(fs::exists(carpetaFan) && !fs::is_empty(carpetaFan));
+  EXPECT_EQ(pruebas::leeBytes(tipos), tiposSanos.substr(0, 12 * 28));
+
+  pruebas::escribeBytes(tipos, tiposSanos);
+  r = valdor(c, fan);
+  EXPECT_EQ(r.estado, 0) << r.errores;
+  EXPECT_TRUE(fs::exists(carpetaFan / "F1511260.FAN"));
+}
+
+// revisar reads a file of any size in the same memory: 200 MB without a line end, as a
+// damaged or foreign file may be, is read through a block and a line cut to its limit.
+TEST(Cli, RevisarLeeUnFicheroEnormeConPocaMemoria) {
+  CarpetaTemporal c;
+  const fs::path enorme = c / "ENORME.FAN";
+  pruebas::escribeBytes(enorme, "");
+  fs::resize_file(enorme, 200u << 20);  // NUL bytes, with no room taken on the disk
+  const pid_t hijo = ::fork();
+  ASSERT_GE(hijo, 0);
+  if (hijo == 0) {
+    const int nulo = ::open("/dev/null", O_WRONLY);
+    ::dup2(nulo, 1);
+    ::dup2(nulo, 2);
+    ::execl(VALDOR_CLI, VALDOR_CLI, "revisar", enorme.c_str(), static_cast<char*>(nullptr));
+    ::_exit(127);
+  }
+  int estado = 0;
+  struct rusage uso {};
+  ASSERT_EQ(::wait4(hijo, &estado, 0, &uso), hijo);
+  ASSERT_TRUE(WIFEXITED(estado));
+  EXPECT_EQ(WEXITSTATUS(estado), 1);  // one line of 209,715,200 characters
+  EXPECT_LT(uso.ru_maxrss, 64 * 1024) << "KiB";
 }
 
 // The sample's AFI file: ETI, SIL, three companies of 2 lines, four workers of 6 lines

@@ -128,5 +128,76 @@ TEST(Editor, LaRevisionMarcaLongitudSegmentoYCuentasDelCierre) {
   EXPECT_FALSE(cuentasDelPie(f).hayPie);
 }
 
+// Every line end that is not CR LF is marked with the line's number, in the grid's
+// short form and in the report; a blank line is left alone, whatever its end.
+TEST(Editor, CadaFinDeLineaQueNoEsCRLFSeMarcaConSuNumero) {
+  CarpetaTemporal c;
+  const fs::path f = c / "FINES.FAN";
+  escribeBytes(f, L70 + "\r\n" + L70 + "\n" + L70 + "\r" + "\r\n" + "\n" + L70);
+  std::vector<FinDeLinea> finales;
+  const std::vector<std::string> lineas = leeLineas(f, &finales);
+  EXPECT_EQ(lineas, (std::vector<std::string>{L70, L70, L70, "", "", L70}));
+  EXPECT_EQ(finales, (std::vector<FinDeLinea>{FinDeLinea::CRLF, FinDeLinea::LF, FinDeLinea::CR, FinDeLinea::CRLF,
+                                              FinDeLinea::LF, FinDeLinea::Ninguno}));
+  EXPECT_EQ(observacionesDeLinea(L70, TipoIntercambio::FAN, FinDeLinea::LF), (std::vector<std::string>{"fin LF"}));
+  EXPECT_EQ(observacionesDeLinea("TRA", TipoIntercambio::FAN, FinDeLinea::Ninguno),
+            (std::vector<std::string>{"longitud 3", std::string("sin fin de línea"_cp)}));
+  EXPECT_TRUE(observacionesDeLinea("", TipoIntercambio::FAN, FinDeLinea::CR).empty());
+
+  LectorLineas lector(f, LIMITELINEA);
+  RevisionFichero revision(TipoIntercambio::FAN);
+  std::vector<std::string> informe;
+  LineaLeida linea;
+  while (lector.siguiente(linea))
+    for (const std::string& l : revision.revisa(linea)) informe.push_back(l);
+  EXPECT_EQ(informe, (std::vector<std::string>{std::string("Línea 2: termina en LF y no en CR LF."_cp),
+                                               std::string("Línea 3: termina en CR y no en CR LF."_cp),
+                                               std::string("Línea 6: es la última y no termina en CR LF."_cp)}));
+  EXPECT_EQ(revision.lineas(), 6u);
+  EXPECT_EQ(revision.cuentas().lineas, 4);
+  EXPECT_FALSE(revision.bien());
+}
+
+// The reader goes through the file a block of 64 KiB at a time: a CR LF split between
+// two blocks is one end, a CR at the end of a block followed by another byte is a CR
+// alone, and a line longer than the limit is told with its whole length.
+TEST(Editor, ElLectorCruzaLosBloquesYCortaLasLineasLargas) {
+  CarpetaTemporal c;
+  const fs::path f = c / "LARGO.AFI";
+  const std::size_t bloque = 64 * 1024;
+  const std::string primera(bloque - 1, 'A');  // its CR is the block's last byte
+  const std::string segunda(bloque - 2, 'B');  // its CR is the last byte of the second block
+  escribeBytes(f, primera + "\r\n" + segunda + "\r" + "C\r");
+  LectorLineas lector(f, LIMITELINEA);
+  LineaLeida l;
+  ASSERT_TRUE(lector.siguiente(l));
+  EXPECT_EQ(l.longitud, bloque - 1);
+  EXPECT_EQ(l.texto, std::string(LIMITELINEA, 'A'));
+  EXPECT_EQ(l.fin, FinDeLinea::CRLF);
+  ASSERT_TRUE(lector.siguiente(l));
+  EXPECT_EQ(l.longitud, bloque - 2);
+  EXPECT_EQ(l.fin, FinDeLinea::CR);
+  ASSERT_TRUE(lector.siguiente(l));
+  EXPECT_EQ(l.texto, "C");
+  EXPECT_EQ(l.fin, FinDeLinea::CR);  // a CR that ends the file
+  EXPECT_FALSE(lector.siguiente(l));
+  EXPECT_FALSE(lector.siguiente(l));
+  // Without a limit, as the editor loads a file, the line is whole.
+  EXPECT_EQ(leeLineas(f).at(1), segunda);
+
+  // A file that is missing or a folder: a message that says which, naming it.
+  auto mensaje = [](const fs::path& ruta) -> std::string {
+    try {
+      LectorLineas l(ruta);
+      return "abierto";
+    } catch (const ErrorFichero& e) {
+      return e.what();
+    }
+  };
+  EXPECT_EQ(mensaje(c / "NOESTA.FAN"), "No existe el fichero \"" + (c / "NOESTA.FAN").string() + "\".");
+  EXPECT_EQ(mensaje(c.ruta()), "\"" + c.ruta().string() + "\" es una carpeta, no un fichero.");
+  EXPECT_TRUE(leeLineas(c.ruta()).empty());
+}
+
 }  // namespace
 }  // namespace valdor

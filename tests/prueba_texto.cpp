@@ -75,5 +75,13 @@ TEST(Subtextos, MayusculasRecortesPosicionesDesdeUnoYCampos) {
   EXPECT_EQ(ajusta("AB", 4), "AB  ");
 }
 
+TEST(Subtextos, ImprimibleCambiaCadaByteDeControlPorUnBlancoYDejaLosDemas) {
+  // NUL, tab, CR, LF, 0x1F and DEL become blanks, one for one; the accents, the euro
+  // (0x80) and the undefined 0x81 and 0x9D stay.
+  const std::string entrada("A\0B\tC\r\nD\x1F" "E\x7F" "\xF1\x80\x81\x9D\x20~", 17);
+  EXPECT_EQ(imprimible(entrada), std::string("A B C  D E \xF1\x80\x81\x9D ~"));
+  EXPECT_EQ(imprimible(""), "");
+}
+
 }  // namespace
 }  // namespace valdor

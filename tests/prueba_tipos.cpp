@@ -109,7 +109,7 @@ TEST(FicheroTiposLectura, FicheroPropioSoloSiTieneContenidoYNSAEnElPrimerTrimest
   EXPECT_EQ(nombreFicheroTipos(1998, 2), "N-SS1998.MDB");
 }
 
-TEST(FicheroTiposLectura, FicheroGeneralQueFaltaOVacioRecibe32RegistrosEnBlanco) {
+TEST(FicheroTiposLectura, FicheroGeneralQueFaltaRecibe32RegistrosEnBlanco) {
   CarpetaTemporal dir;
   const std::string blancos(32 * 28, ' ');
   TiposLeidos t;
@@ -123,22 +123,66 @@ TEST(FicheroTiposLectura, FicheroGeneralQueFaltaOVacioRecibe32RegistrosEnBlanco)
   EXPECT_EQ((Textos{t.OTTIPO, t.OT2TIPO, t.CCTIPO45, t.CCTIPO55}), (Textos{"0", "0", "      0", "      0"}));
   casiIguales({t.a, t.OTTIPOS[4]}, {0, 0});
 
-  escribeBytes(dir / "N-SS2023.MDB", "");
-  EXPECT_EQ(ficheroTiposDe(dir.ruta(), 2023, 1, ""), dir / "N-SS2023.MDB");
-  EXPECT_EQ(leeBytes(dir / "N-SS2023.MDB"), blancos);
-
-  // A short file with content is never filled out.
-  const std::string corto = std::string(11 * 28, ' ') + "                       28.30";
-  escribeBytes(dir / "N-SS2022.MDB", corto);
-  ASSERT_TRUE(LEETIPOS(dir.ruta(), 2022, 1, "", t));
-  EXPECT_EQ(t.CCTIPO, "  28.30");
-  EXPECT_EQ(t.FPTIPO, B7);
-  EXPECT_EQ(leeBytes(dir / "N-SS2022.MDB"), corto);
-
   // A folder that cannot be written (under a plain file) is no error: blanks.
   escribeBytes(dir / "fichero", "x");
   ASSERT_TRUE(LEETIPOS(dir / "fichero" / "tipos", 2024, 1, "", t));
   EXPECT_EQ(t.CCTIPO, B7);
+}
+
+// A rate file that is there but empty, cut short, or holding something other than rates
+// stops the reading with a message naming the file, instead of giving blank rates; the
+// file is left as it was and the rates read before stay.
+TEST(FicheroTiposLectura, FicheroVacioCortoODanadoEsUnErrorQueLoNombra) {
+  CarpetaTemporal dir;
+  const fs::path ruta = dir / "N-SS2022.MDB";
+  std::string sano = std::string(11 * 28, ' ') + "                       28.30" + std::string(20 * 28, ' ');
+  // The file with record `numero` made of four fields, each filled to 7 on the right.
+  auto conRegistro = [&](int numero, const Registro& campos) {
+    std::string registro;
+    for (const std::string& c : campos) registro += c + std::string(7 - c.size(), ' ');
+    std::string r = sano;
+    r.replace(static_cast<std::size_t>(numero - 1) * 28, 28, registro);
+    return r;
+  };
+  const std::vector<std::pair<std::string, std::string>> casos{
+      {"", "est\xE1 vac\xEDo"},
+      // 12 records: record 12 is there, but the file ends before record 28.
+      {sano.substr(0, 12 * 28), "est\xE1 da\xF1" "ado: mide 336 bytes y no llega al registro 28 (784 bytes)"},
+      {sano.substr(0, 28 * 28 - 1), "mide 783 bytes"},
+      {std::string(32 * 28, '\0'), "el campo 1 del registro 12 no es un tipo (\"       \")"},
+      {conRegistro(19, {"  4.70", "28,30", "  1.55", " 23.60"}), "el campo 2 del registro 19 no es un tipo (\"28,30  \")"},
+      {conRegistro(28, {"   .5", "-1", "1.2.3", ""}), "el campo 3 del registro 28"},
+      {conRegistro(20, {"   5.5\t", "-", "", "1e3"}), "el campo 1 del registro 20 no es un tipo (\"   5.5 \")"},
+  };
+  TiposLeidos t;
+  t.CCTIPO = "  99.00";
+  for (const auto& [contenido, motivo] : casos) {
+    escribeBytes(ruta, contenido);
+    try {
+      LEETIPOS(dir.ruta(), 2022, 1, "", t);
+      ADD_FAILURE() << "se ha aceptado: " << motivo;
+    } catch (const ErrorFichero& e) {
+      const std::string texto = e.what();
+      EXPECT_EQ(texto.rfind("El fichero de tipos \"" + ruta.string() + "\" ", 0), 0u) << texto;
+      EXPECT_NE(texto.find(motivo), std::string::npos) << texto;
+    }
+    EXPECT_EQ(leeBytes(ruta), contenido);
+    EXPECT_EQ(t.CCTIPO, "  99.00");
+  }
+  // What a sound file may hold: blanks, figures with a point or none, a minus, blanks
+  // around; bytes after record 28 and records the rates do not come from are not looked at.
+  const std::string control(7, '\x01');
+  escribeBytes(ruta, conRegistro(22, {control, control, control, control}) + "\x1A");
+  ASSERT_TRUE(LEETIPOS(dir.ruta(), 2022, 1, "", t));
+  EXPECT_EQ(t.CCTIPO, "  28.30");
+  escribeBytes(ruta, conRegistro(21, {"  -.5", "7.", "0.5", "12"}).substr(0, 28 * 28));
+  ASSERT_TRUE(LEETIPOS(dir.ruta(), 2022, 1, "", t));
+  casiIguales({t.q, t.p}, {7, 12});
+
+  // A folder under the file's name says so.
+  fs::remove(ruta);
+  fs::create_directory(ruta);
+  EXPECT_THROW(LEETIPOS(dir.ruta(), 2022, 1, "", t), ErrorFicheroTipos);
 }
 
 TEST(FicheroTiposLectura, RegistroBloqueadoPorOtraAperturaEsperaYDaBlancos) {

@@ -188,7 +188,7 @@ void EDITOR::carga() {
   std::error_code error;
   std::uintmax_t bytes = std::filesystem::file_size(ruta_, error);
   if (error) bytes = 0;
-  lineas_ = leeLineas(ruta_);
+  lineas_ = leeLineas(ruta_, &finales_);
   const std::size_t leidas = lineas_.size();
 
   cargando_ = true;
@@ -196,6 +196,7 @@ void EDITOR::carga() {
   // A file of many short lines may have more lines than the estimate: every line is shown.
   const int filas = std::max(filasEstimadas(bytes, g.EDITAAFI == 1), static_cast<int>(leidas));
   lineas_.resize(static_cast<std::size_t>(filas));
+  finales_.resize(static_cast<std::size_t>(filas), FinDeLinea::CRLF);
   marcadas_.assign(static_cast<std::size_t>(filas), false);
   REJILLA_->setRowCount(filas);
   for (int f = 0; f < filas; ++f) {
@@ -252,6 +253,12 @@ void EDITOR::guarda() {
   if (ruta_.empty()) return;
   try {
     guardaLineas(ruta_, lineas_);
+    // Every line saved ends with CR LF now.
+    for (std::size_t f = 0; f < finales_.size(); ++f) {
+      if (finales_[f] == FinDeLinea::CRLF) continue;
+      finales_[f] = FinDeLinea::CRLF;
+      revisaFila(static_cast<int>(f));
+    }
   } catch (const ErrorFichero& e) {
     programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
   } catch (const std::exception& e) {
@@ -323,7 +330,7 @@ void EDITOR::revisaFila(int fila) {
   longitud->setForeground(!blanca && linea.size() != LONGITUDLINEA ? QBrush(QColor(TEXTOOBSERVACION)) : QBrush());
 
   QString texto;
-  for (const std::string& o : observacionesDeLinea(linea, tipo_))
+  for (const std::string& o : observacionesDeLinea(linea, tipo_, finales_.at(static_cast<std::size_t>(fila))))
     texto += (texto.isEmpty() ? QString() : QStringLiteral(", ")) + q(o);
   marcadas_[static_cast<std::size_t>(fila)] = !texto.isEmpty();
   QTableWidgetItem* revision = REJILLA_->item(fila, REVISION);

@@ -68,6 +68,7 @@ class EDITOR : public QDialog {
   // The grid's lines as the core's text, kept with every edit, and which rows are marked:
   // the trailer's verdict, the search and the save read these, not the cells.
   std::vector<std::string> lineas_;
+  std::vector<FinDeLinea> finales_;  // how each line ended in the file, until a save ends them all with CR LF
   std::vector<bool> marcadas_;
 
   QLabel* fichero_ = nullptr;

@@ -12,6 +12,7 @@
 
 #include "browser/forms/editor.h"
 #include "shell/ajustes.h"
+#include "shell/asistente.h"
 #include "shell/forms/cabecera.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/programa.h"
@@ -75,9 +76,14 @@ void selector::construye() {
 void selector::carga() {
   // The route as the settings file holds it now: the configuration may have changed it
   // since the start.
+  // A settings file that cannot be read is told, and the route of the start stays.
   REGINTERCAMBIO leido = programa_.registro;
-  FicheroAjustes ajustes(programa_.carpetas().trabajo);
-  if (ajustes.lee(leido)) programa_.registro.RUTAWINSUITE = leido.RUTAWINSUITE;
+  try {
+    FicheroAjustes ajustes(programa_.carpetas().trabajo);
+    if (ajustes.lee(leido)) programa_.registro.RUTAWINSUITE = leido.RUTAWINSUITE;
+  } catch (const ErrorAjustes& e) {
+    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
+  }
 
   arbol_ = cargaSelector(programa_.registro.RUTAWINSUITE, programa_.entornoWine);
   setWindowTitle(q(arbol_.titulo));

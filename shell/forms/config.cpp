@@ -123,9 +123,14 @@ config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
 }
 
 void config::cargaRejilla() {
-  {
+  // A settings file that cannot be read is told, and the grid takes the dialog's own
+  // fill: closing the dialog then writes a sound record in its place.
+  try {
     FicheroAjustes fichero(programa_.carpetas().trabajo);
     filas_ = cargaConfiguracion(fichero, programa_.g.EMISORNOMBRE);
+  } catch (const ErrorAjustes& e) {
+    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
+    filas_ = filasDeConfiguracion(registroDeConfiguracion(), programa_.g.EMISORNOMBRE);
   }
   const QColor fondoEtiquetas = palette().color(QPalette::Button);
   int anchoEtiquetas = ANCHOETIQUETAS;

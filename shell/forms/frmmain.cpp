@@ -191,9 +191,12 @@ void frmMain::tipo(bool cotizacion) {
 }
 
 void frmMain::lanzaHerramienta() {
-  // A tool that cannot be started is silent, as every failure of this command.
+  // A tool that cannot be started is silent, as every failure of this command; a
+  // settings file that cannot be read is told, since no route can be had from it.
   try {
     lanzaWinsuite(programa_, lanzador_, entorno_);
+  } catch (const ErrorAjustes& e) {
+    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
   } catch (const std::exception&) {
   }
 }

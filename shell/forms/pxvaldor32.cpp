@@ -246,7 +246,13 @@ void PXVALDOR32::construye() {
 }
 
 void PXVALDOR32::carga() {
-  cargaAsistente(programa_, pagina_, [this] { muestraConfiguracion(); });
+  // A settings file that cannot be read is told here; the wizard stays, and the
+  // configuration can give the file a sound record.
+  try {
+    cargaAsistente(programa_, pagina_, [this] { muestraConfiguracion(); });
+  } catch (const ErrorAjustes& e) {
+    programa_.dialogos().mensaje(tituloValdor(), e.what(), Icono::Critico);
+  }
   muestraPagina();
 }
 

@@ -139,6 +139,22 @@ class PruebaEditorFicheros : public QObject {
     QVERIFY(b.dialogos.mensajes.empty());
   }
 
+  // A line end that is not CR LF is marked in the row until a save ends every line with CR LF.
+  void losFinesQueNoSonCRLFSeMarcanHastaQueSeGuarda() {
+    Banco b;
+    escribeBytes(b.fan / "F2211260.FAN", ETI + "\n" + EMP + "\r\n" + TRA);
+    b.abre();
+    QCOMPARE(b.fila(0), (QStringList{"1", q(ETI), "70", "fin LF"}));
+    QCOMPARE(b.fila(1)[3], QString());
+    QCOMPARE(b.fila(2), (QStringList{"3", q(TRA), "70", q("sin fin de línea"_cp)}));
+    QCOMPARE(b.etiqueta("observaciones"), q("2 líneas con observaciones (columna Revisión)."_cp));
+    b.pulsa("guar");
+    QCOMPARE(b.guardado(), fichero({ETI, EMP, TRA}));
+    QCOMPARE(b.fila(0)[3], QString());
+    QCOMPARE(b.fila(2)[3], QString());
+    QCOMPARE(b.etiqueta("observaciones"), QStringLiteral("Ninguna línea con observaciones."));
+  }
+
   void unFicheroQueNoSeGeneroDejaLaRejillaVacia() {
     Banco b;
     b.p.g.FICHEROSALIDA = "   ";
