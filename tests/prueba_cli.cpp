@@ -260,10 +260,20 @@ TEST(Cli, AjustesOTiposDanadosParanElFanSinDejarFichero) {
     EXPECT_FALSE(fs::exists(carpetaFan) && !fs::is_empty(carpetaFan));
     EXPECT_EQ(pruebas::leeBytes(ajustes), danado);
   }
+  // A settings file that cannot be read says why, not that the route is missing.
+  fs::remove(ajustes);
+  fs::create_directory(ajustes);
+  auto r = valdor(c, fan);
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("No se puede leer el fichero de ajustes \"" + ajustes.string() + "\": es una carpeta"),
+            std::string::npos)
+      << r.errores;
+  EXPECT_EQ(r.errores.find("RUTA NO VALIDA"), std::string::npos) << r.errores;
+  fs::remove(ajustes);
   pruebas::escribeBytes(ajustes, ajustesSanos);
 
   pruebas::escribeBytes(tipos, tiposSanos.substr(0, 12 * 28));
-  auto r = valdor(c, fan);
+  r = valdor(c, fan);
   EXPECT_EQ(r.estado, 1);
   EXPECT_NE(r.errores.find("El fichero de tipos \"" + tipos.string() + "\""), std::string::npos) << r.errores;
   EXPECT_FALSE(fs::exists(carpetaFan) && !fs::is_empty(carpetaFan));
