@@ -343,12 +343,14 @@ void TC1VAL::dibujaPendiente() {
 void TC1VAL::imprime() {
   if (enMarcha_ || !hayBoletin_) return;
   REGINTERCAMBIO registro = registroEnBlanco();
-  FicheroAjustes(programa_.carpetas().trabajo).lee(registro);
   std::filesystem::path puerto;
   try {
+    // A settings file that is no settings record, or a port the rule refuses
+    // (VALDOR_IMPRESORA): told, and nothing printed.
+    FicheroAjustes(programa_.carpetas().trabajo).lee(registro);
     puerto = rutaPuerto(nombrePuerto(programa_.g.PUERTOIMPRESORA), programa_.carpetas().trabajo);
   } catch (const std::exception& e) {
-    avisaError(programa_.dialogos(), e);  // VALDOR_IMPRESORA names a port the rule refuses
+    avisaError(programa_.dialogos(), e);
     return;
   }
   if (IMPRIMEBOLETIN(boletin_, grid_, leerred(registro, Check4_->isChecked()), puerto, programa_.dialogos())) {
