@@ -423,6 +423,7 @@ void Tabla::cierra() noexcept {
   actual_.reset();
   lote_.clear();
   edicion_.reset();
+  formas_.clear();
   sentencias_.clear();
   listaColumnas_.clear();
   ultimaBusca_.reset();
@@ -544,12 +545,19 @@ void Tabla::ponActual(std::optional<Fila> fila, bool alPrincipio) {
   edicion_.reset();
 }
 
-std::optional<Tabla::Fila> Tabla::unaFila(const std::string& donde, const std::vector<Valor>& parametros,
-                                         bool descendente) {
-  const std::string sql = "SELECT " + listaColumnas() + " FROM " + comillaIdentificador(nombre_) +
-                          (donde.empty() ? "" : " WHERE " + donde) + " ORDER BY " + ordenIndice(descendente) +
-                          " LIMIT 1";
-  Sentencia& s = sentencia(sql);
+std::string Tabla::sqlUnaFila(const std::string& donde, bool descendente) const {
+  return "SELECT " + listaColumnas() + " FROM " + comillaIdentificador(nombre_) +
+         (donde.empty() ? "" : " WHERE " + donde) + " ORDER BY " + ordenIndice(descendente) + " LIMIT 1";
+}
+
+Sentencia& Tabla::sentenciaDe(FormaLectura forma, const std::function<std::string()>& sql) {
+  auto it = formas_.find(forma);
+  if (it == formas_.end()) it = formas_.emplace(std::move(forma), &sentencia(sql())).first;
+  it->second->reinicia();
+  return *it->second;
+}
+
+std::optional<Tabla::Fila> Tabla::unaFila(Sentencia& s, const std::vector<Valor>& parametros) {
   for (std::size_t i = 0; i < parametros.size(); ++i) s.vincula(static_cast<int>(i) + 1, parametros[i]);
   std::optional<Fila> f;
   if (s.paso()) f = leeFila(s);
@@ -622,18 +630,24 @@ bool Tabla::busca(std::string_view comparacion, const std::vector<Valor>& claves
     return true;
   }
   ultimaBusca_.reset();
-  std::string donde;
-  bool descendente = false;
-  if (comparacion == "=") {
-    for (std::size_t k = 0; k < n; ++k)
-      donde += (k ? " AND " : "") + expresionClave(k, false) + " = " + expresionClave(k, true);
-  } else if (comparacion == ">=" || comparacion == ">" || comparacion == "<=" || comparacion == "<") {
-    donde = comparacionClaves(comparacion, n, false);
-    descendente = comparacion[0] == '<';
-  } else {
+  const Lectura lectura = comparacion == "="    ? Lectura::Igual
+                          : comparacion == ">=" ? Lectura::MayorIgual
+                          : comparacion == ">"  ? Lectura::Mayor
+                          : comparacion == "<=" ? Lectura::MenorIgual
+                          : comparacion == "<"  ? Lectura::Menor
+                                                : Lectura::Primero;
+  if (lectura == Lectura::Primero)
     throw ErrorAlmacen(ErrorAlmacen::Tipo::Otro, "Comparaci\xF3n de b\xFAsqueda desconocida: " + std::string(comparacion));
-  }
-  ponActual(unaFila(donde, parametros, descendente), false);
+  Sentencia& s = sentenciaDe({indice_, lectura, n}, [&] {
+    if (lectura == Lectura::Igual) {
+      std::string donde;
+      for (std::size_t k = 0; k < n; ++k)
+        donde += (k ? " AND " : "") + expresionClave(k, false) + " = " + expresionClave(k, true);
+      return sqlUnaFila(donde, false);
+    }
+    return sqlUnaFila(comparacionClaves(comparacion, n, false), comparacion[0] == '<');
+  });
+  ponActual(unaFila(s, parametros), false);
   sinCoincidencia_ = !actual_;
   if (comparacion == "=" && estable && actual_)
     ultimaBusca_ = BuscaHecha{indice_, std::move(parametros), sqlite3_total_changes64(db)};
@@ -642,12 +656,12 @@ bool Tabla::busca(std::string_view comparacion, const std::vector<Valor>& claves
 
 void Tabla::primero() {
   if (!disponible()) return;
-  ponActual(unaFila({}, {}, false), false);
+  ponActual(unaFila(sentenciaDe({indice_, Lectura::Primero, 0}, [&] { return sqlUnaFila({}, false); }), {}), false);
 }
 
 void Tabla::ultimo() {
   if (!disponible()) return;
-  ponActual(unaFila({}, {}, true), true);
+  ponActual(unaFila(sentenciaDe({indice_, Lectura::Ultimo, 0}, [&] { return sqlUnaFila({}, true); }), {}), true);
 }
 
 bool Tabla::llenaLote() {
@@ -656,10 +670,11 @@ bool Tabla::llenaLote() {
   const std::size_t n = claves_.size();
   std::vector<Valor> parametros = clavesDe(*actual_, n);
   parametros.push_back(Valor(static_cast<double>(actual_->rowid)));
-  const std::string sql = "SELECT " + listaColumnas() + " FROM " + comillaIdentificador(nombre_) + " WHERE " +
-                          comparacionClaves(">", n, true) + " ORDER BY " + ordenIndice(false) + " LIMIT " +
-                          std::to_string(TAMANOLOTE);
-  Sentencia& s = sentencia(sql);
+  Sentencia& s = sentenciaDe({indice_, Lectura::Lote, n}, [&] {
+    return "SELECT " + listaColumnas() + " FROM " + comillaIdentificador(nombre_) + " WHERE " +
+           comparacionClaves(">", n, true) + " ORDER BY " + ordenIndice(false) + " LIMIT " +
+           std::to_string(TAMANOLOTE);
+  });
   for (std::size_t i = 0; i < parametros.size(); ++i) s.vincula(static_cast<int>(i) + 1, parametros[i]);
   lote_.clear();
   while (s.paso()) lote_.push_back(leeFila(s));
@@ -699,7 +714,9 @@ void Tabla::anterior() {
   const std::size_t n = claves_.size();
   std::vector<Valor> parametros = clavesDe(*actual_, n);
   parametros.push_back(Valor(static_cast<double>(actual_->rowid)));
-  ponActual(unaFila(comparacionClaves("<", n, true), parametros, true), true);
+  Sentencia& s = sentenciaDe({indice_, Lectura::Menor, n + 1},
+                             [&] { return sqlUnaFila(comparacionClaves("<", n, true), true); });
+  ponActual(unaFila(s, parametros), true);
 }
 
 Valor Tabla::campo(std::string_view columna) const {

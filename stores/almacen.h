@@ -13,9 +13,12 @@
 #include "stores/jet.h"
 
 #include <chrono>
+#include <compare>
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <initializer_list>
+#include <map>
 #include <memory>
 #include <optional>
 #include <span>
@@ -388,8 +391,8 @@ class Tabla {
   std::vector<Valor> clavesParaBuscar(const std::vector<Valor>& claves, std::size_t n) const;
   Sentencia& sentencia(const std::string& sql);
   Fila leeFila(const Sentencia& s) const;
-  std::optional<Fila> unaFila(const std::string& donde, const std::vector<Valor>& parametros,
-                              bool descendente);
+  // The SQL of a read of one row in index order, after `donde` when there is one.
+  std::string sqlUnaFila(const std::string& donde, bool descendente) const;
   void ponActual(std::optional<Fila> fila, bool alPrincipio);
   bool llenaLote();
   Valor valorParaColumna(int i, const Valor& v) const;
@@ -418,6 +421,19 @@ class Tabla {
   std::optional<BuscaHecha> ultimaBusca_;
   std::uint64_t generacionLote_ = 0;
   std::unordered_map<std::string, Sentencia> sentencias_;  // prepared once per SQL text
+  // The statement of each shape of read (the index, the kind of seek or walk, the keys
+  // compared), so that a repeated seek finds it without writing its SQL again. The
+  // statements belong to `sentencias_`, whose elements stay where they are.
+  enum class Lectura : std::uint8_t { Igual, Mayor, MayorIgual, Menor, MenorIgual, Primero, Ultimo, Lote };
+  struct FormaLectura {
+    std::string indice;
+    Lectura lectura;
+    std::size_t claves;
+    auto operator<=>(const FormaLectura&) const = default;
+  };
+  std::map<FormaLectura, Sentencia*> formas_;
+  Sentencia& sentenciaDe(FormaLectura forma, const std::function<std::string()>& sql);
+  std::optional<Fila> unaFila(Sentencia& s, const std::vector<Valor>& parametros);
 };
 
 // A name as an SQL identifier, between double quotes.
