@@ -3,10 +3,11 @@
 
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <system_error>
-#include <fstream>
 
 namespace valdor::fuzz {
 
@@ -37,6 +38,18 @@ class CarpetaFuzz {
  private:
   std::filesystem::path ruta_;
 };
+
+// The folder of this fuzz target's run, made at its first use.
+inline CarpetaFuzz& carpeta() {
+  static CarpetaFuzz c;
+  return c;
+}
+
+// The whole content of a file as bytes.
+inline std::string leeTodo(const std::filesystem::path& f) {
+  std::ifstream entrada(f, std::ios::binary);
+  return {std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>()};
+}
 
 // True when no byte of `texto` is a control byte.
 inline bool sinControl(std::string_view texto) {

@@ -27,19 +27,6 @@ std::vector<std::string> semillas() {
   };
 }
 
-namespace {
-
-CarpetaFuzz& carpeta() {
-  static CarpetaFuzz c;
-  return c;
-}
-
-std::string leeTodo(const std::filesystem::path& f) {
-  std::ifstream entrada(f, std::ios::binary);
-  return {std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>()};
-}
-
-}  // namespace
 }  // namespace valdor::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* datos, std::size_t tamano) {

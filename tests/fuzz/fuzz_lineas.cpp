@@ -59,13 +59,7 @@ std::vector<Esperada> parte(std::string_view bytes) {
   return r;
 }
 
-CarpetaFuzz& carpeta() {
-  static CarpetaFuzz c;
-  return c;
-}
-
 }  // namespace
-
 }  // namespace valdor::fuzz
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* datos, std::size_t tamano) {
