@@ -251,13 +251,15 @@ std::span<const DefTabla> tablasDESEMPLEO() {
 }
 
 const DefTabla* busca(std::string_view tabla) {
+  // Table names are the same whatever their case, as in both engines.
+  const std::string buscada = mayusculasAscii(tabla);
   for (const DefTabla* t : {&NOMIN(), &INCIDEN(), &TMPVALDOR(), &VALDORTA(), &ILTS(), &FORMACION(),
                             &TDOCUMENTO(), &CUENTASTAB()})
-    if (t->nombre == tabla) return t;
+    if (mayusculasAscii(t->nombre) == buscada) return t;
   for (auto grupo : {tablasCONVENIO(), tablasEMPRESAS(), tablasPRODUCTO(), tablasCONSTANT(),
                      tablasBONIFICA(), tablasDESEMPLEO()})
     for (const DefTabla& t : grupo)
-      if (t.nombre == tabla) return &t;
+      if (mayusculasAscii(t.nombre) == buscada) return &t;
   return nullptr;
 }
 

@@ -38,7 +38,7 @@ std::span<const DefTabla> tablasCONSTANT();   // POSTA, MUT, CONTRA, EPIGRA
 std::span<const DefTabla> tablasBONIFICA();   // BONIFI
 std::span<const DefTabla> tablasDESEMPLEO();  // DESEMPLEO
 
-// The definition of a table by name (any store), or nullptr.
+// The definition of a table by name (any store, any case), or nullptr.
 const DefTabla* busca(std::string_view tabla);
 
 // The tables whose columns the rules read by name; the other tables of the master
