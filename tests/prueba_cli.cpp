@@ -369,7 +369,7 @@ void agrandaListaDePendientes(const CarpetaTemporal& c) {
   acuvaldor.ejecuta(
       "CREATE TEMP TABLE modelo AS SELECT * FROM VALDORTA WHERE VALDEMP = '28107654331' AND VALDTRA = '00003'");
   for (int i = 1000; i < 2000; ++i) {
-    const std::string numero = "0" + std::to_string(i);
+    const std::string numero = std::string("0").append(std::to_string(i));  // out of GCC 12's false -Wrestrict
     producto.ejecuta("UPDATE modelo SET TRA1 = ?", {numero});
     producto.ejecuta("INSERT INTO WK SELECT * FROM modelo");
     acuvaldor.ejecuta("UPDATE modelo SET VALDTRA = ?", {numero});
