@@ -183,12 +183,14 @@ TEST_F(Fallos, UnAlmacenBloqueadoPorOtroProgramaNoDejaFichero) {
 // process may write): exit 1, no file, the old one as it was.
 TEST_F(Fallos, UnDiscoLlenoNoDejaFicheroYGuardaElViejo) {
   ponViejo("LLENO");
-  // 300 KiB: room for the temp store's first pages, not for the whole run.
-  std::string orden = "trap '' XFSZ; ulimit -f 300; exec " + pruebas::paraLaShell(VALDOR_CLI) + " --programa " +
-                      pruebas::paraLaShell((c / "programa").string()) + " --trabajo " +
-                      pruebas::paraLaShell((c / "trabajo").string());
-  for (const std::string& a : argumentosFan("LLENO")) orden += " " + pruebas::paraLaShell(a);
-  orden += " >" + pruebas::paraLaShell((c / "lleno.txt").string()) + " 2>&1";
+  // 300 blocks of the shell's ulimit: room for the temp store's first pages, not for
+  // the whole run. The command is built by appending (GCC 12 warns falsely on "a" + b).
+  std::string orden = "trap '' XFSZ; ulimit -f 300; exec ";
+  std::vector<std::string> partes{VALDOR_CLI, "--programa", (c / "programa").string(), "--trabajo",
+                                  (c / "trabajo").string()};
+  for (const std::string& a : argumentosFan("LLENO")) partes.push_back(a);
+  for (const std::string& p : partes) orden.append(pruebas::paraLaShell(p)).append(" ");
+  orden.append(">").append(pruebas::paraLaShell((c / "lleno.txt").string())).append(" 2>&1");
   const int estado = std::system(("sh -c " + pruebas::paraLaShell(orden)).c_str());
   const std::string salida = pruebas::leeBytes(c / "lleno.txt");
   Resultado r{WIFEXITED(estado) ? WEXITSTATUS(estado) : -1, "", salida};
