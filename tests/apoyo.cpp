@@ -22,6 +22,11 @@ CarpetaTemporal::~CarpetaTemporal() {
   std::filesystem::remove_all(ruta_, ec);
 }
 
+void creaCarpetas(const CarpetaTemporal& c) {
+  std::filesystem::create_directories(c / "programa");
+  std::filesystem::create_directories(c / "trabajo");
+}
+
 std::string leeBytes(const std::filesystem::path& ruta) {
   std::ifstream f(ruta, std::ios::binary);
   return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};

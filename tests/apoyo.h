@@ -26,6 +26,9 @@ class CarpetaTemporal {
   std::filesystem::path ruta_;
 };
 
+// The program and work folders "programa" and "trabajo" made in `c`.
+void creaCarpetas(const CarpetaTemporal& c);
+
 // The whole content of a file as bytes ("" when missing), and a file written whole.
 std::string leeBytes(const std::filesystem::path& ruta);
 void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes);

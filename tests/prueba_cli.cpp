@@ -23,12 +23,8 @@ using pruebas::CarpetaTemporal;
 namespace fs = std::filesystem;
 
 using pruebas::Resultado;
+using pruebas::creaCarpetas;
 using pruebas::valdor;
-
-void creaCarpetas(const CarpetaTemporal& c) {
-  fs::create_directories(c / "programa");
-  fs::create_directories(c / "trabajo");
-}
 
 TEST(Cli, AjustesEnUnaCarpetaNuevaMuestraBlancosYLuegoGuardaElRegistroDe176Bytes) {
   CarpetaTemporal c;

@@ -26,6 +26,7 @@ namespace {
 namespace fs = std::filesystem;
 using pruebas::CarpetaTemporal;
 using pruebas::Resultado;
+using pruebas::creaCarpetas;
 using pruebas::valdor;
 
 // ---- The exchange name rule -------------------------------------------------------------
@@ -138,11 +139,6 @@ std::string pistaDe(const std::string& orden) {
   if (r.estado != 2 || lineas != 2 || !r.errores.ends_with(pista) || r.errores.find(dice) == std::string::npos)
     return ::testing::AssertionFailure() << "estado " << r.estado << ", errores:\n" << r.errores;
   return ::testing::AssertionSuccess();
-}
-
-void creaCarpetas(const CarpetaTemporal& c) {
-  fs::create_directories(c / "programa");
-  fs::create_directories(c / "trabajo");
 }
 
 TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyuda) {
