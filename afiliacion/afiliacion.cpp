@@ -1,10 +1,10 @@
 #include "afiliacion/afiliacion.h"
 
 #include <algorithm>
+#include <deque>
 #include <filesystem>
 #include <functional>
 #include <map>
-#include <memory>
 #include <utility>
 
 #include "fan/empleador.h"
@@ -598,20 +598,20 @@ void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFI
     const int progreso = std::min(100, 100 * ++hechos / total);
     if (progreso != afi.progreso) programa.dialogos().progreso(afi.progreso = progreso, "Generando fichero:", "");
   };
-  std::vector<std::unique_ptr<FicheroRegistros>> ficheros;
+  std::deque<FicheroRegistros> ficheros;  // a deque: its elements never move
   for (std::size_t k = 0; k < afi.ficheros.size(); ++k) {
     // The first file's label line is the one the page made; the others carry their names.
     const PaginaIntercambio paginaK = paginaDeFichero(pagina, nombres[k]);
     const std::string ETI = k == 0 ? programa.g.LINEAETI : LINEAETI(paginaK, programa.registro);
-    ficheros.push_back(std::make_unique<FicheroRegistros>(rutaNativa(rutas[k], programa.entornoWine)));
-    imprimeFicheroAfi(*ficheros.back(), afi, afi.ficheros[k], ETI, programa.g.LINEASIL,
+    ficheros.emplace_back(rutaNativa(rutas[k], programa.entornoWine));
+    imprimeFicheroAfi(ficheros.back(), afi, afi.ficheros[k], ETI, programa.g.LINEASIL,
                       pieDeFichero(paginaK, afi.pie, afi.ficheros[k]), alTrabajador);
   }
   if (const auto motivo = programa.motivoDeFallo(inicio)) throw ErrorFichero(*motivo);
   std::vector<fs::path> puestos;
   try {
     for (std::size_t k = 0; k < ficheros.size(); ++k) {
-      ficheros[k]->confirma();
+      ficheros[k].confirma();
       puestos.push_back(rutaNativa(rutas[k], programa.entornoWine));
     }
   } catch (const ErrorFichero&) {
