@@ -11,29 +11,29 @@
 
 namespace valdor {
 
-void preparaCOTVAL(Programa& programa, int mes, int ano, valdor::COTVAL& calculo) {
+void preparaCOTVAL(Programa& programa, int mes, int ano, valdor::COTVAL& calculo, TiposDeLaEjecucion& tipos) {
   VariablesCalculo& v = calculo.v;
   v.MESCOT = mes;
   v.ANOCOT = ano;
   v.MES2 = izquierda(recortaIzq(textoGeneral(v.MESCOT)), 2);
   v.ANO4 = izquierda(recortaIzq(textoGeneral(v.ANOCOT)), 4);
-  TiposLeidos tipos;
-  if (LEETIPOS(programa.carpetas().trabajo, ano, mes, "", tipos)) {
-    calculo.PRECIOHORADIST = tipos.PRECIOHORADIST;
-    calculo.PRECIOHORAPRES = tipos.PRECIOHORAPRES;
+  if (const TiposLeidos* t = tipos.lee(programa.carpetas().trabajo, ano, mes, "")) {
+    calculo.PRECIOHORADIST = t->PRECIOHORADIST;
+    calculo.PRECIOHORAPRES = t->PRECIOHORAPRES;
   }
 }
 
-void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo) {
-  preparaCOTVAL(programa, sel.mesDelPeriodo(), sel.anoDelPeriodo(), calculo);
+void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo, TiposDeLaEjecucion& tipos) {
+  preparaCOTVAL(programa, sel.mesDelPeriodo(), sel.anoDelPeriodo(), calculo, tipos);
 }
 
 void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   Almacenes& a = programa.almacenes;
   valdor::COTVAL calculo(programa);
-  preparaCOTVAL(programa, sel, calculo);
+  TiposDeLaEjecucion tipos;
+  preparaCOTVAL(programa, sel, calculo, tipos);
   calculo.trabajadorCalculado = trabajadorCalculado;
-  Liquidacion liquidacion(calculo, programa);
+  Liquidacion liquidacion(calculo, programa, tipos);
   calculo.CALCULATRABAJADOR = [&liquidacion](valdor::COTVAL&) { liquidacion.CALCULATRABAJADOR(); };
   programa.g.LINEALARGA = 0;
   a.CREAILTS();
@@ -89,8 +89,8 @@ void MotorCalculo::TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio
   if (!sesion_) sesion_.emplace(programa.almacenes, sel.mesDelPeriodo(), sel.anoDelPeriodo());
   valdor::COTVAL calculo(programa);
   calculo.modo = ModoCalculo::UnaEmpresa;
-  preparaCOTVAL(programa, sel, calculo);
-  Liquidacion liquidacion(calculo, programa);
+  preparaCOTVAL(programa, sel, calculo, sesion_->tipos);
+  Liquidacion liquidacion(calculo, programa, sesion_->tipos);
   valdor::TC1VAL tc1(calculo, liquidacion, programa);
   tc1.devEnCta = sel.devEnCta;
   tc1.pagina = &pagina;
@@ -102,8 +102,8 @@ void ejecutaTC1(Programa& programa, const EjecucionTC1& e) {
   MotorCalculo::SesionTC1 sesion(programa.almacenes, e.mes, e.ano);
   valdor::COTVAL calculo(programa);
   calculo.modo = e.empresa.empty() ? ModoCalculo::TodasLasEmpresas : ModoCalculo::UnaEmpresa;
-  preparaCOTVAL(programa, e.mes, e.ano, calculo);
-  Liquidacion liquidacion(calculo, programa);
+  preparaCOTVAL(programa, e.mes, e.ano, calculo, sesion.tipos);
+  Liquidacion liquidacion(calculo, programa, sesion.tipos);
   liquidacion.interruptores.Option1 = e.Option1;
   valdor::TC1VAL tc1(calculo, liquidacion, programa);
   tc1.limpiaLineas = true;

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "fan/comando.h"
+#include "statement/ficherotipos.h"
 #include "stores/almacen.h"
 
 namespace valdor {
@@ -41,15 +42,16 @@ class MotorCalculo : public MotorCotizacion {
     SesionTC1(Almacenes& a, int mes, int ano);
     AperturaTC1 apertura;
     LecturaContinua periodo, producto, empresas, constant, bonifica, desempleo, formacion, cuentas;
+    TiposDeLaEjecucion tipos;
   };
  private:
   std::optional<SesionTC1> sesion_;
 };
 
 // Prepares a run of the statement for a period: the month and year, and the training
-// hour prices of the year's rate file.
-void preparaCOTVAL(Programa& programa, int mes, int ano, valdor::COTVAL& calculo);
-void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo);
+// hour prices of the year's rate file as the run reads it.
+void preparaCOTVAL(Programa& programa, int mes, int ano, valdor::COTVAL& calculo, TiposDeLaEjecucion& tipos);
+void preparaCOTVAL(Programa& programa, const COTIZACION& sel, valdor::COTVAL& calculo, TiposDeLaEjecucion& tipos);
 
 // The TC1 run of the statement form, outside a FAN file: one company, or every company
 // of the month with a company break by company break.

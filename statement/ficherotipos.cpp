@@ -160,15 +160,21 @@ std::optional<std::array<std::string, 4>> leeRegistroTipos(const fs::path& ruta,
   return campos;
 }
 
-fs::path ficheroTiposDe(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa) {
+fs::path ficheroTiposDe(int ano, int mes, std::string_view codigoEmpresa,
+                        const std::function<fs::path(std::string_view)>& resuelve) {
   if (!recorta(codigoEmpresa).empty()) {
-    const fs::path propio = resuelveFichero(carpeta, nombreFicheroTipos(ano, mes, codigoEmpresa));
+    const fs::path propio = resuelve(nombreFicheroTipos(ano, mes, codigoEmpresa));
     if (existeConContenido(propio)) return propio;
   }
-  const fs::path general = resuelveFichero(carpeta, nombreFicheroTipos(ano, mes));
+  const fs::path general = resuelve(nombreFicheroTipos(ano, mes));
   std::error_code ec;
   if (!fs::exists(fs::symlink_status(general, ec))) preparaFicheroGeneral(general);
   return general;
+}
+
+fs::path ficheroTiposDe(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa) {
+  return ficheroTiposDe(ano, mes, codigoEmpresa,
+                        [&carpeta](std::string_view nombre) { return resuelveFichero(carpeta, nombre); });
 }
 
 namespace {
@@ -224,9 +230,12 @@ void compruebaFicheroTipos(const fs::path& ruta) {
 std::string tipoPartido(double valor) { return std::string(6, ' ') + izquierda(recorta(textoGeneral(valor)), 5); }
 
 bool LEETIPOS(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa, TiposLeidos& t) {
-  if (ano <= 1900 || ano >= 2050) return false;
+  if (!anoConTipos(ano)) return false;
+  leeTipos(ficheroTiposDe(carpeta, ano, mes, codigoEmpresa), t);
+  return true;
+}
 
-  const fs::path ruta = ficheroTiposDe(carpeta, ano, mes, codigoEmpresa);
+void leeTipos(const fs::path& ruta, TiposLeidos& t) {
   compruebaFicheroTipos(ruta);
   TiposLeidos n;
   // Reads record `numero` (blank when it cannot be read), keeps its fields 2 and 3 as
@@ -302,7 +311,41 @@ bool LEETIPOS(const fs::path& carpeta, int ano, int mes, std::string_view codigo
   n.OT2TIPOS[4] = n.f + n.r4 + n.q;
 
   t = std::move(n);
-  return true;
+}
+
+const TiposLeidos* TiposDeLaEjecucion::lee(const fs::path& carpeta, int ano, int mes, std::string_view codigoEmpresa) {
+  if (!anoConTipos(ano)) return nullptr;
+  auto clave = std::make_tuple(ano, mes, recorta(codigoEmpresa));
+  if (const auto it = porEmpresa_.find(clave); it != porEmpresa_.end()) return it->second;
+  const fs::path ruta =
+      ficheroTiposDe(ano, mes, codigoEmpresa, [&](std::string_view nombre) { return resuelve(carpeta, nombre); });
+  auto it = porFichero_.find(ruta);
+  if (it == porFichero_.end()) {
+    TiposLeidos t;
+    leeTipos(ruta, t);
+    it = porFichero_.emplace(ruta, std::move(t)).first;
+  }
+  porEmpresa_.emplace(std::move(clave), &it->second);
+  return &it->second;
+}
+
+fs::path TiposDeLaEjecucion::resuelve(const fs::path& carpeta, std::string_view nombre) {
+  // The folder listed once, as resuelveFichero would list it for every name.
+  if (!listada_ || *listada_ != carpeta) {
+    listada_ = carpeta;
+    nombres_.clear();
+    std::error_code ec;
+    const fs::path donde = carpeta.empty() ? fs::path(".") : carpeta;
+    for (fs::directory_iterator it(donde, ec), fin; !ec && it != fin; it.increment(ec)) {
+      std::string otro = it->path().filename().string();
+      auto& hallado = nombres_[mayusculasAscii(otro)];
+      hallado.insert(std::move(otro));
+    }
+  }
+  const auto it = nombres_.find(mayusculasAscii(nombre));
+  if (it == nombres_.end()) return carpeta / std::string(nombre);
+  const auto exacto = it->second.find(std::string(nombre));
+  return carpeta / (exacto != it->second.end() ? *exacto : *it->second.begin());
 }
 
 void LEETIPOSLIQ(const TiposLeidos& t, bool patronal, std::string& CCTIPO, std::string& HETIPO,

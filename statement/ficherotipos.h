@@ -9,10 +9,14 @@
 #include <array>
 #include <cstddef>
 #include <filesystem>
+#include <functional>
+#include <map>
 #include <optional>
+#include <set>
 #include <stdexcept>
 #include <string>
 #include <string_view>
+#include <tuple>
 #include <vector>
 
 namespace valdor {
@@ -64,6 +68,10 @@ std::optional<std::array<std::string, 4>> leeRegistroTipos(const std::filesystem
 // (the read then finds nothing and gives blanks).
 std::filesystem::path ficheroTiposDe(const std::filesystem::path& carpeta, int ano, int mes,
                                      std::string_view codigoEmpresa);
+// The same, with the names looked up in the folder by `resuelve` (as resuelveFichero
+// does).
+std::filesystem::path ficheroTiposDe(int ano, int mes, std::string_view codigoEmpresa,
+                                     const std::function<std::filesystem::path(std::string_view)>& resuelve);
 
 // Everything the rate loading leaves for the statement. Each number is its field read
 // through REDONDEA2 (a blank field is 0); the rate texts are the fields as they stand.
@@ -127,6 +135,32 @@ void compruebaFicheroTipos(const std::filesystem::path& ruta);
 // ErrorFicheroTipos and leaves `t` as it was.
 bool LEETIPOS(const std::filesystem::path& carpeta, int ano, int mes, std::string_view codigoEmpresa,
               TiposLeidos& t);
+// The years the rate files cover.
+inline bool anoConTipos(int ano) { return ano > 1900 && ano < 2050; }
+// The reading of LEETIPOS from the rate file `ruta`, whatever its year.
+void leeTipos(const std::filesystem::path& ruta, TiposLeidos& t);
+
+// The rates of one run of the statement (a FAN file, a TC1 run): each rate file is
+// found and read once in the run, by year, month and employer code, instead of once per
+// worker. A file changed while the run goes on is read by the next run, so the whole
+// month is worked out with one set of rates.
+class TiposDeLaEjecucion {
+ public:
+  // LEETIPOS of `carpeta` for the first asking of a year, month and code in this run;
+  // nullptr when that LEETIPOS reads nothing (a year outside the rate files). The
+  // folder is listed once, and a file that serves many employers is read once. An
+  // ErrorFicheroTipos goes to the caller and nothing is kept.
+  const TiposLeidos* lee(const std::filesystem::path& carpeta, int ano, int mes, std::string_view codigoEmpresa);
+
+ private:
+  std::filesystem::path resuelve(const std::filesystem::path& carpeta, std::string_view nombre);
+
+  std::map<std::tuple<int, int, std::string>, const TiposLeidos*> porEmpresa_;
+  std::map<std::filesystem::path, TiposLeidos> porFichero_;
+  // The names in the folder last listed, by their upper-case form.
+  std::optional<std::filesystem::path> listada_;
+  std::map<std::string, std::set<std::string>> nombres_;
+};
 
 // LEETIPOSLIQ: the rate boxes of one share. With `patronal` the employer's share, field
 // 2 of records 12, 15, 16, 13 for CCTIPO, HETIPO, HNTIPO, FPTIPO and OTTIPO the general

@@ -34,29 +34,21 @@ double diaDe(std::string_view fecha) { return REDONDEA2(izquierda(fecha, 2)); }
 
 }  // namespace
 
-Liquidacion::Liquidacion(COTVAL& calculo, Programa& programa)
-    : calculo_(calculo), programa_(programa), b_(calculo.boletin), grid_(calculo.GRID1), v_(calculo.v) {}
+Liquidacion::Liquidacion(COTVAL& calculo, Programa& programa, TiposDeLaEjecucion& tiposEjecucion)
+    : calculo_(calculo),
+      programa_(programa),
+      b_(calculo.boletin),
+      grid_(calculo.GRID1),
+      v_(calculo.v),
+      tiposEjecucion_(tiposEjecucion) {}
 
 // ---- The rates ------------------------------------------------------------------------------
 
 bool Liquidacion::LEETIPOS() {
-  const int ano = static_cast<int>(v_.ANOCOT), mes = static_cast<int>(v_.MESCOT);
-  const std::string codigo = recorta(v_.empresaPublica);
-  // Every statement reads the rates afresh; a file that has not changed since the last
-  // reading (same name, time and size) gives the same rates without reading it again.
-  std::error_code ec;
-  LecturaTipos clave;
-  if (ano > 1900 && ano < 2050) {
-    clave.ruta = ficheroTiposDe(programa_.carpetas().trabajo, ano, mes, codigo);
-    clave.hora = std::filesystem::last_write_time(clave.ruta, ec);
-    clave.tamano = ec ? 0 : std::filesystem::file_size(clave.ruta, ec);
-  }
-  if (!ec && ultimaLectura_ && ultimaLectura_->first == clave) {
-    tipos = ultimaLectura_->second;
-  } else {
-    if (!valdor::LEETIPOS(programa_.carpetas().trabajo, ano, mes, codigo, tipos)) return false;
-    if (!ec) ultimaLectura_.emplace(std::move(clave), tipos);
-  }
+  const TiposLeidos* leidos = tiposEjecucion_.lee(programa_.carpetas().trabajo, static_cast<int>(v_.ANOCOT),
+                                                  static_cast<int>(v_.MESCOT), recorta(v_.empresaPublica));
+  if (!leidos) return false;
+  tipos = *leidos;  // afresh: a contract of class 2 to 4 changes `b` for its worker
   b_.CCTIPO = tipos.CCTIPO;
   b_.FPTIPO = tipos.FPTIPO;
   b_.HETIPO = tipos.HETIPO;

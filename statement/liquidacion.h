@@ -65,8 +65,9 @@ struct SalidasDeduccion {
 
 class Liquidacion {
  public:
-  // The derivation over the state of `calculo`; the stores and folders of `programa`.
-  Liquidacion(COTVAL& calculo, Programa& programa);
+  // The derivation over the state of `calculo`; the stores and folders of `programa`;
+  // the rates as the run `tiposEjecucion` has read them.
+  Liquidacion(COTVAL& calculo, Programa& programa, TiposDeLaEjecucion& tiposEjecucion);
 
   // True in the per-company TC1 run: the "OTRAS COTIZACIONES" bases are split by class.
   bool porEmpresa = false;
@@ -121,20 +122,13 @@ class Liquidacion {
   void interruptoresAlLiquidar();
   void muestraFiguras();
 
-  // The rate file last read, by name, time and size, with what it gave.
-  struct LecturaTipos {
-    std::filesystem::path ruta;
-    std::filesystem::file_time_type hora;
-    std::uintmax_t tamano = 0;
-    friend bool operator==(const LecturaTipos&, const LecturaTipos&) = default;
-  };
-  std::optional<std::pair<LecturaTipos, TiposLeidos>> ultimaLectura_;
 
   COTVAL& calculo_;
   Programa& programa_;
   BOLETIN& b_;
   TablaTrabajo& grid_;
   VariablesCalculo& v_;
+  TiposDeLaEjecucion& tiposEjecucion_;
 };
 
 }  // namespace valdor

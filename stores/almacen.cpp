@@ -227,6 +227,7 @@ void Almacen::abreJet(const OpcionesAlmacen& opciones) {
 
 void Almacen::cierra() noexcept {
   preparadas_.clear();
+  libres_.clear();
   if (db_ != nullptr) {
     if (!sqlite3_get_autocommit(db_)) sqlite3_exec(db_, "ROLLBACK", nullptr, nullptr, nullptr);
     // The copy of a Jet file stays for the next opening; statements still held by
@@ -255,10 +256,30 @@ std::int64_t Almacen::ejecuta(std::string_view sql, std::initializer_list<Valor>
 }
 
 Consulta Almacen::consulta(std::string_view sql, std::vector<Valor> parametros) {
-  Sentencia s(*this, sql);
+  std::string texto(sql);
+  std::optional<SentenciaConsulta> preparada;
+  if (auto it = libres_.find(texto); it != libres_.end() && !it->second.empty()) {
+    preparada.emplace(std::move(it->second.back()));
+    it->second.pop_back();
+  } else {
+    preparada.emplace(Sentencia(*this, sql));
+  }
   int i = 1;
-  for (const Valor& v : parametros) s.vincula(i++, v);
-  return Consulta(std::move(s));
+  for (const Valor& v : parametros) preparada->sentencia.vincula(i++, v);
+  return Consulta(*std::move(preparada), *this, std::move(texto));
+}
+
+void Almacen::devuelve(std::string sql, SentenciaConsulta preparada) noexcept {
+  // A few of each text are enough: queries of one text open at once are rare.
+  constexpr std::size_t GUARDADAS = 4;
+  try {
+    auto& lista = libres_[std::move(sql)];
+    if (lista.size() >= GUARDADAS) return;
+    preparada.sentencia.reinicia();
+    lista.push_back(std::move(preparada));
+  } catch (...) {
+    // Out of memory: the statement is finalised instead of kept.
+  }
 }
 
 Sentencia& Almacen::preparada(const std::string& sql) {
@@ -345,10 +366,12 @@ std::string Sentencia::nombreColumna(int i) const {
   return n ? n : "";
 }
 
-Valor Sentencia::valor(int i) const {
+Valor Sentencia::valor(int i) const { return valorComo(i, tipoDeclarado(i)); }
+
+TipoColumna Sentencia::tipoDeclarado(int i) const {
   const char* declarado = sqlite3_column_decltype(st_, i);
   int ancho = 0;
-  return valorComo(i, declarado ? tipoDeclarado(declarado, ancho) : TipoColumna::Texto);
+  return declarado ? valdor::tipoDeclarado(declarado, ancho) : TipoColumna::Texto;
 }
 
 Valor Sentencia::valorComo(int i, TipoColumna tipo) const {
@@ -369,15 +392,52 @@ Valor Sentencia::valorComo(int i, TipoColumna tipo) const {
 
 // ---- Consulta -----------------------------------------------------------------------
 
-Consulta::Consulta(Sentencia sentencia) : sentencia_(std::move(sentencia)) {
-  for (int i = 0; i < sentencia_.columnas(); ++i) porNombre_.emplace(mayusculasAscii(sentencia_.nombreColumna(i)), i);
+std::size_t HashSinCaso::operator()(std::string_view nombre) const noexcept {
+  std::size_t h = 14695981039346656037ULL;
+  for (char c : nombre) h = (h ^ static_cast<unsigned char>(c >= 'a' && c <= 'z' ? c - 32 : c)) * 1099511628211ULL;
+  return h;
 }
 
-bool Consulta::siguiente() { return sentencia_.paso(); }
+bool IgualSinCaso::operator()(std::string_view a, std::string_view b) const noexcept {
+  if (a.size() != b.size()) return false;
+  for (std::size_t i = 0; i < a.size(); ++i) {
+    const char x = a[i] >= 'a' && a[i] <= 'z' ? static_cast<char>(a[i] - 32) : a[i];
+    const char y = b[i] >= 'a' && b[i] <= 'z' ? static_cast<char>(b[i] - 32) : b[i];
+    if (x != y) return false;
+  }
+  return true;
+}
+
+SentenciaConsulta::SentenciaConsulta(Sentencia s) : sentencia(std::move(s)) {
+  const int n = sentencia.columnas();
+  tipos.reserve(static_cast<std::size_t>(n));
+  for (int i = 0; i < n; ++i) {
+    porNombre.emplace(sentencia.nombreColumna(i), i);
+    tipos.push_back(sentencia.tipoDeclarado(i));
+  }
+}
+
+Consulta::Consulta(Sentencia sentencia) : p_(std::move(sentencia)) {}
+
+Consulta::Consulta(SentenciaConsulta preparada, Almacen& origen, std::string sql)
+    : p_(std::move(preparada)), origen_(&origen), apertura_(origen.apertura()), sql_(std::move(sql)) {}
+
+Consulta::Consulta(Consulta&& otra) noexcept
+    : p_(std::move(otra.p_)),
+      origen_(std::exchange(otra.origen_, nullptr)),
+      apertura_(otra.apertura_),
+      sql_(std::move(otra.sql_)) {}
+
+Consulta::~Consulta() {
+  if (origen_ && origen_->abierto() && origen_->apertura() == apertura_ && p_.sentencia.valida())
+    origen_->devuelve(std::move(sql_), std::move(p_));
+}
+
+bool Consulta::siguiente() { return p_.sentencia.paso(); }
 
 Valor Consulta::campo(std::string_view columna) const {
-  const auto it = porNombre_.find(mayusculasAscii(columna));
-  return it == porNombre_.end() ? Valor() : sentencia_.valor(it->second);
+  const auto it = p_.porNombre.find(columna);
+  return it == p_.porNombre.end() ? Valor() : p_.sentencia.valorComo(it->second, p_.tipos[static_cast<std::size_t>(it->second)]);
 }
 
 // ---- Tabla --------------------------------------------------------------------------

@@ -129,9 +129,60 @@ struct RegistroFallos {
   }
 };
 
+class Almacen;
 class Consulta;
 class Sentencia;
 class Tabla;
+
+// A prepared statement (RAII).
+class Sentencia {
+ public:
+  Sentencia() = default;
+  Sentencia(const Almacen& almacen, std::string_view sql);
+  ~Sentencia();
+  Sentencia(Sentencia&& otra) noexcept;
+  Sentencia& operator=(Sentencia&& otra) noexcept;
+  Sentencia(const Sentencia&) = delete;
+  Sentencia& operator=(const Sentencia&) = delete;
+
+  void vincula(int posicion, const Valor& valor);  // 1-based
+  // One step: true while there is a row.
+  bool paso();
+  void reinicia();
+  int columnas() const;
+  std::string nombreColumna(int i) const;
+  // The value of result column i (0-based): ISO dates of a DATE column as "dd/mm/yyyy".
+  Valor valor(int i) const;
+  // The same for a column whose type the caller knows (a date column reads "dd/mm/yyyy").
+  Valor valorComo(int i, TipoColumna tipo) const;
+  // The type that column i of the result is declared with (Texto for an expression).
+  TipoColumna tipoDeclarado(int i) const;
+  bool valida() const { return st_ != nullptr; }
+
+ private:
+  const Almacen* almacen_ = nullptr;
+  sqlite3_stmt* st_ = nullptr;
+};
+
+// Column names matched without regard to case, looked up without a copy of the name.
+struct HashSinCaso {
+  using is_transparent = void;
+  std::size_t operator()(std::string_view nombre) const noexcept;
+};
+struct IgualSinCaso {
+  using is_transparent = void;
+  bool operator()(std::string_view a, std::string_view b) const noexcept;
+};
+
+// A query's statement with what its columns are: their positions by name and their
+// declared types. A query that ends gives it back to its store, so that the next query
+// of the same text takes it whole instead of preparing it again.
+struct SentenciaConsulta {
+  explicit SentenciaConsulta(Sentencia s);
+  Sentencia sentencia;
+  std::unordered_map<std::string, int, HashSinCaso, IgualSinCaso> porNombre;
+  std::vector<TipoColumna> tipos;
+};
 
 struct OpcionesAlmacen {
   // How long a locked file is waited for before the lock is reported.
@@ -174,6 +225,7 @@ class Almacen {
   // A statement that returns no rows (DELETE, UPDATE, ...). Returns the rows changed.
   std::int64_t ejecuta(std::string_view sql, std::initializer_list<Valor> parametros = {});
   // A prepared query; parameters are bound to its "?" in order. Never builds SQL from data.
+  // A query of a text run before in this opening takes that statement back.
   Consulta consulta(std::string_view sql, std::vector<Valor> parametros = {});
   // A statement prepared once per opening of the store and kept, for the reads that
   // repeat for every worker: reset and with its parameters cleared, ready to bind.
@@ -226,6 +278,11 @@ class Almacen {
   // The state of the file whose pages were last found sound.
   std::optional<IdentidadFichero> comprobado_;
   std::unordered_map<std::string, std::unique_ptr<Sentencia>> preparadas_;
+  // The statements of queries that have ended, by their text, for the next query of it.
+  std::unordered_map<std::string, std::vector<SentenciaConsulta>> libres_;
+
+  friend class Consulta;
+  void devuelve(std::string sql, SentenciaConsulta preparada) noexcept;
 };
 
 // Writes that belong together: rolled back unless confirmed.
@@ -262,49 +319,31 @@ class LecturaContinua {
   bool abierta_ = false;
 };
 
-// A prepared statement (RAII).
-class Sentencia {
- public:
-  Sentencia() = default;
-  Sentencia(const Almacen& almacen, std::string_view sql);
-  ~Sentencia();
-  Sentencia(Sentencia&& otra) noexcept;
-  Sentencia& operator=(Sentencia&& otra) noexcept;
-  Sentencia(const Sentencia&) = delete;
-  Sentencia& operator=(const Sentencia&) = delete;
-
-  void vincula(int posicion, const Valor& valor);  // 1-based
-  // One step: true while there is a row.
-  bool paso();
-  void reinicia();
-  int columnas() const;
-  std::string nombreColumna(int i) const;
-  // The value of result column i (0-based): ISO dates of a DATE column as "dd/mm/yyyy".
-  Valor valor(int i) const;
-  // The same for a column whose type the caller knows (a date column reads "dd/mm/yyyy").
-  Valor valorComo(int i, TipoColumna tipo) const;
-  bool valida() const { return st_ != nullptr; }
-
- private:
-  const Almacen* almacen_ = nullptr;
-  sqlite3_stmt* st_ = nullptr;
-};
-
 // The rows of a prepared query, read one at a time.
 class Consulta {
  public:
-  Consulta(Sentencia sentencia);
+  explicit Consulta(Sentencia sentencia);
+  Consulta(SentenciaConsulta preparada, Almacen& origen, std::string sql);
+  ~Consulta();
+  Consulta(Consulta&& otra) noexcept;
+  Consulta& operator=(Consulta&&) = delete;
+  Consulta(const Consulta&) = delete;
+  Consulta& operator=(const Consulta&) = delete;
+
   // Moves to the next row; false at the end.
   bool siguiente();
   Valor campo(std::string_view columna) const;
-  Valor campo(int i) const { return sentencia_.valor(i); }
+  Valor campo(int i) const { return p_.sentencia.valor(i); }
   std::string texto(std::string_view columna) const { return campo(columna).texto(); }
   double numero(std::string_view columna) const { return campo(columna).numero(); }
-  int columnas() const { return sentencia_.columnas(); }
+  int columnas() const { return p_.sentencia.columnas(); }
 
  private:
-  Sentencia sentencia_;
-  std::unordered_map<std::string, int> porNombre_;
+  SentenciaConsulta p_;
+  // The store it goes back to (with the opening it was prepared in) and its text.
+  Almacen* origen_ = nullptr;
+  std::uint64_t apertura_ = 0;
+  std::string sql_;
 };
 
 // ---- Table cursors -------------------------------------------------------------------

@@ -206,7 +206,19 @@ bool Almacenes::CREATEMPORAL() {
   return crea(enTrabajo(NOMBRETEMPORAL), una(esquemas::TMPVALDOR()), Dueno::Valdor);
 }
 bool Almacenes::ABRETEMPORAL() {
-  return abre(temporal, enTrabajo(NOMBRETEMPORAL), {{&TMPVALDOR, "TMPVALDOR"}});
+  if (!abre(temporal, enTrabajo(NOMBRETEMPORAL), {{&TMPVALDOR, "TMPVALDOR"}})) return false;
+  // The temp store lives for one run of the program, and a start deletes one left by a
+  // run that did not end: it needs no journal on disk and no flush to the disk at each
+  // commit, and the lines of a month are kept in memory until the run writes them.
+  try {
+    temporal.ejecuta("PRAGMA journal_mode = MEMORY");
+    temporal.ejecuta("PRAGMA synchronous = OFF");
+    temporal.ejecuta("PRAGMA cache_size = -131072");
+  } catch (const ErrorAlmacen& e) {
+    informa(e, enTrabajo(NOMBRETEMPORAL), false);
+    return false;
+  }
+  return true;
 }
 void Almacenes::CIERRATEMPORAL() noexcept {
   TMPVALDOR.cierra();

@@ -213,11 +213,15 @@ FicheroRegistros::~FicheroRegistros() {
 }
 
 void FicheroRegistros::imprime(std::string_view linea) {
-  std::string registro(linea);
-  registro += "\r\n";
-  if (const int error = escribeTodo(fd_, registro, static_cast<off_t>(longitud_)); error != 0)
-    fallaEscritura(destino_, error);
-  longitud_ += registro.size();
+  pendiente_.append(linea).append("\r\n");
+  longitud_ += linea.size() + 2;
+  if (pendiente_.size() >= TAMANOBLOQUE) vuelca();
+}
+
+void FicheroRegistros::vuelca() {
+  const off_t desde = static_cast<off_t>(longitud_ - pendiente_.size());
+  if (const int error = escribeTodo(fd_, pendiente_, desde); error != 0) fallaEscritura(destino_, error);
+  pendiente_.clear();
 }
 
 void FicheroRegistros::imprimeRegistro(std::string_view linea, std::string_view donde) {
@@ -232,6 +236,7 @@ void FicheroRegistros::imprimeRegistro(std::string_view linea, std::string_view 
 }
 
 void FicheroRegistros::confirma() {
+  vuelca();
   int error = ::fsync(fd_) != 0 ? errno : 0;
   if (::close(fd_) != 0 && error == 0) error = errno;
   fd_ = -1;

@@ -111,7 +111,8 @@ class FicheroRegistros {
   FicheroRegistros(const FicheroRegistros&) = delete;
   FicheroRegistros& operator=(const FicheroRegistros&) = delete;
 
-  // Writes `linea` and CR LF. Throws ErrorFichero.
+  // Writes `linea` and CR LF. The records are gathered and written a block at a time, so
+  // a file of many records costs a write per block, not per record. Throws ErrorFichero.
   void imprime(std::string_view linea);
   // Writes a record of an exchange file, which is exactly LARGOREGISTRO characters:
   // control characters that a store, a setting or a rate file held (a CR, an LF, a
@@ -121,15 +122,19 @@ class FicheroRegistros {
   void imprimeRegistro(std::string_view linea, std::string_view donde);
   // The bytes written so far.
   std::uintmax_t longitud() const { return longitud_; }
-  // Flushes the file to disk and puts it under its final name. Throws ErrorFichero.
+  // Writes what is gathered, flushes the file to disk and puts it under its final name. Throws ErrorFichero.
   void confirma();
 
  private:
   std::filesystem::path destino_;
   std::filesystem::path temporal_;
   int fd_ = -1;
-  std::uintmax_t longitud_ = 0;
+  std::uintmax_t longitud_ = 0;  // written and gathered
+  std::string pendiente_;        // gathered, not yet written
   bool confirmado_ = false;
+
+  static constexpr std::size_t TAMANOBLOQUE = 64 * 1024;
+  void vuelca();
 };
 
 // A file that could not be written, with a Spanish message naming it.

@@ -209,6 +209,31 @@ double valorEnBase(std::string_view texto, int base) {
 
 // The decimal number at the start of `texto`, blanks and tabs inside ignored, as a
 // plain text for from_chars: sign, digits, one point, an exponent E or D.
+// The value of the texts that the stores and the rate file hold almost always: an
+// optional minus, digits with at most one point, and nothing after but blanks. The
+// general reading gives these the same value; std::nullopt for any other text.
+std::optional<double> valorDecimalSimple(std::string_view texto) {
+  std::size_t i = !texto.empty() && texto[0] == '-' ? 1 : 0;
+  bool cifras = false, punto = false;
+  for (; i < texto.size(); ++i) {
+    if (esCifra(texto[i])) {
+      cifras = true;
+    } else if (texto[i] == '.' && !punto) {
+      punto = true;
+    } else {
+      break;
+    }
+  }
+  const std::size_t fin = i;
+  for (; i < texto.size(); ++i)
+    if (!esBlancoInterior(texto[i])) return std::nullopt;
+  if (!cifras) return std::nullopt;
+  double valor = 0.0;
+  const auto [hasta, error] = std::from_chars(texto.data(), texto.data() + fin, valor);
+  if (error != std::errc{} || hasta != texto.data() + fin) return std::nullopt;
+  return valor;
+}
+
 std::string prefijoDecimal(std::string_view texto) {
   std::string numero;
   std::string exponente;
@@ -278,6 +303,13 @@ Separadores separadoresDelSistema() {
 
 double valorNumerico(std::string_view texto) {
   const auto inicio = std::find_if_not(texto.begin(), texto.end(), esBlancoInicial);
+  if (const auto simple = valorDecimalSimple(texto.substr(static_cast<std::size_t>(inicio - texto.begin()))))
+    return sinCeroNegativo(*simple);
+  return valorNumericoGeneral(texto);
+}
+
+double valorNumericoGeneral(std::string_view texto) {
+  const auto inicio = std::find_if_not(texto.begin(), texto.end(), esBlancoInicial);
   texto.remove_prefix(static_cast<std::size_t>(inicio - texto.begin()));
   if (texto.size() >= 2 && texto[0] == '&') {
     if (texto[1] == 'H' || texto[1] == 'h') return valorEnBase(texto.substr(2), 16);
@@ -343,7 +375,36 @@ std::optional<std::int32_t> aEnteroLargo(double valor) {
 
 // ---- Writing numbers ---------------------------------------------------------------
 
+namespace {
+// The general text of the amounts that the statement works with: a value that is the
+// double nearest to a whole number of cents below 10^13 has at most 15 significant
+// digits, so its 15-digit rounding is that number of cents, written here without the
+// digit text of the general path. std::nullopt for any other value.
+std::optional<std::string> textoDeCentimos(double valor) {
+  const double x = std::fabs(valor);
+  if (!(x >= 0.01 && x < 1e13)) return std::nullopt;  // also 0, infinities and NaN
+  const double centimos = std::round(x * 100);
+  if (centimos / 100 != x) return std::nullopt;
+  const auto n = static_cast<std::uint64_t>(centimos);
+  std::array<char, 24> buf{};
+  char* p = buf.data();
+  if (valor < 0) *p++ = '-';
+  p = std::to_chars(p, buf.data() + buf.size(), n / 100).ptr;
+  if (const auto resto = static_cast<unsigned>(n % 100); resto != 0) {
+    *p++ = '.';
+    *p++ = static_cast<char>('0' + resto / 10);
+    if (resto % 10 != 0) *p++ = static_cast<char>('0' + resto % 10);
+  }
+  return std::string(buf.data(), p);
+}
+}  // namespace
+
 std::string textoGeneral(double valor) {
+  if (auto enCentimos = textoDeCentimos(valor)) return *std::move(enCentimos);
+  return textoGeneralPorCifras(valor);
+}
+
+std::string textoGeneralPorCifras(double valor) {
   if (valor == 0.0) return "0";
   if (!std::isfinite(valor)) {
     std::array<char, 8> buf{};

@@ -35,6 +35,9 @@ Separadores separadoresDelSistema();
 // an exponent E or D is read, "&H" and "&O" prefixes read hexadecimal and octal, and
 // reading stops at the first other character. " 1 2x" is 12; "abc" is 0.
 double valorNumerico(std::string_view texto);
+// The same reading, always by the general path; `valorNumerico` reads the plain
+// decimal texts of the stores by a shorter one, and the two must always agree.
+double valorNumericoGeneral(std::string_view texto);
 
 // The conversion of a text to a number that the run-time's CDbl makes under the given
 // separators: blanks around it allowed, thousands marks ignored in the whole part, one
@@ -57,6 +60,9 @@ std::optional<std::int32_t> aEnteroLargo(double valor);
 // no trailing zeros, no trailing point, a leading "0" before the point, scientific
 // form (1E+15, 1.5E-05) from 1E15 up and below 1E-4. Always a point.
 std::string textoGeneral(double valor);
+// The same text, always through the 15 significant digits; `textoGeneral` writes the
+// whole numbers of cents by a shorter path, and the two must always agree.
+std::string textoGeneralPorCifras(double valor);
 
 // Format with a numeric picture of the subset the system uses: "##,##.00",
 // "##,##0.00", "#####", "###", "##.00", "   ##.####" (literal characters stand as

@@ -115,7 +115,18 @@ char32_t puntoDeCodigo(unsigned char byte) {
   return byte;
 }
 
+namespace {
+// The length of the leading part of `texto` that is plain ASCII, the same bytes in
+// Windows-1252 and in UTF-8: most of the text of the stores, copied as it stands.
+std::size_t prefijoAscii(std::string_view texto) {
+  std::size_t i = 0;
+  while (i < texto.size() && static_cast<unsigned char>(texto[i]) < 0x80) ++i;
+  return i;
+}
+}  // namespace
+
 std::string cp1252AUtf8(std::string_view cp1252) {
+  if (prefijoAscii(cp1252) == cp1252.size()) return std::string(cp1252);
   std::string salida;
   salida.reserve(cp1252.size());
   for (char c : cp1252) anadeUtf8(salida, puntoDeCodigo(static_cast<unsigned char>(c)));
@@ -123,6 +134,10 @@ std::string cp1252AUtf8(std::string_view cp1252) {
 }
 
 std::string utf8ACp1252(std::string_view utf8, std::size_t* perdidos) {
+  if (prefijoAscii(utf8) == utf8.size()) {
+    if (perdidos != nullptr) *perdidos = 0;
+    return std::string(utf8);
+  }
   std::string salida;
   salida.reserve(utf8.size());
   std::size_t sustituidos = 0;

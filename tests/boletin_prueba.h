@@ -85,7 +85,8 @@ struct Boletin : Mes {
     return static_cast<int>(q.numero("N"));
   }
 
-  Liquidacion liquidacion{calculo, programa};
+  TiposDeLaEjecucion tipos;
+  Liquidacion liquidacion{calculo, programa, tipos};
   const BOLETIN& b = calculo.boletin;
 };
 

@@ -13,6 +13,16 @@ namespace {
 
 constexpr Separadores kComa{',', '.'};
 
+// A fixed sequence of doubles in [0, 1), the same on every run.
+struct Aleatorio {
+  explicit Aleatorio(std::uint64_t semilla) : semilla_(semilla) {}
+  double operator()() {
+    semilla_ = semilla_ * 6364136223846793005ULL + 1442695040888963407ULL;
+    return static_cast<double>(semilla_ >> 11) / 9007199254740992.0;
+  }
+  std::uint64_t semilla_;
+};
+
 TEST(Formatea, RedondeoMarcadoresGruposYSeparadores) {
   // 2.675 and 1.005 are held a little under the half; the written digits decide.
   EXPECT_EQ(formatea(2.675, "##,##.00"), "2.68");
@@ -61,11 +71,7 @@ TEST(Redondea2, DosDecimalesSinCeroNegativo) {
 // the figure's 15-digit text gives, ties and near-ties included.
 TEST(Redondea2, ElAtajoDeLasCifrasCorrientesCoincideConElRedondeoDelTexto) {
   auto porTexto = [](double x) { return convierteNumero(formatea(x, "##,##.00")).value_or(0.0); };
-  std::uint64_t semilla = 12345;
-  auto siguiente = [&semilla] {
-    semilla = semilla * 6364136223846793005ULL + 1442695040888963407ULL;
-    return static_cast<double>(semilla >> 11) / 9007199254740992.0;
-  };
+  auto siguiente = Aleatorio(12345);
   for (int i = 0; i < 200000; ++i) {
     const double escala = std::pow(10.0, static_cast<int>(siguiente() * 12) - 3);
     const double x = (siguiente() - 0.5) * escala;
@@ -74,6 +80,32 @@ TEST(Redondea2, ElAtajoDeLasCifrasCorrientesCoincideConElRedondeoDelTexto) {
     const double cents = std::floor(siguiente() * 1e7) / 100;
     for (double y : {cents * 50 / 100, cents * 30.9 / 100, cents / 30 * 20, cents + 0.005})
       ASSERT_EQ(REDONDEA2(y), porTexto(y)) << y;
+  }
+}
+
+// The short paths of the general text and of Val against their general paths: whole
+// numbers of cents at every magnitude, values just beside them, and texts of every shape
+// that the stores hold or that a hand edit could leave.
+TEST(AtajosDeNumeros, CoincidenConElCaminoGeneral) {
+  auto siguiente = Aleatorio(987654321);
+  for (int i = 0; i < 200000; ++i) {
+    const double escala = std::pow(10.0, static_cast<int>(siguiente() * 16) - 2);
+    const double centimos = std::floor(siguiente() * escala) / 100;
+    for (double x : {centimos, -centimos, std::nextafter(centimos, 1e300), centimos * 1.21, centimos / 3,
+                     std::floor(siguiente() * escala)})
+      ASSERT_EQ(textoGeneral(x), textoGeneralPorCifras(x)) << x;
+  }
+  for (double x : {0.01, 0.1, 0.05, 9999999999999.99, 10000000000000.0, 1e15, 0.009, 1e-5, -0.0, 1.0 / 0.0})
+    EXPECT_EQ(textoGeneral(x), textoGeneralPorCifras(x)) << x;
+
+  const std::string piezas[] = {"0", "1", "9", "12", ".", "-", "+", " ", "\t", "E", "e2", "D", "&H", "x", "00", "5."};
+  for (int i = 0; i < 200000; ++i) {
+    std::string texto;
+    const int n = static_cast<int>(siguiente() * 7);
+    for (int k = 0; k < n; ++k) texto += piezas[static_cast<std::size_t>(siguiente() * std::size(piezas))];
+    const double rapido = valorNumerico(texto), general = valorNumericoGeneral(texto);
+    ASSERT_TRUE(rapido == general || (std::isnan(rapido) && std::isnan(general))) << '"' << texto << '"';
+    ASSERT_EQ(std::signbit(rapido), std::signbit(general)) << '"' << texto << '"';
   }
 }
 
