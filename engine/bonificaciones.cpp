@@ -118,11 +118,6 @@ void BONIFICACIONES(Tabla& BONIFI, std::string_view TRA4010, std::string_view TR
   GRID1.blanqueaYEscribe(fila, 28, BONIFI.texto("BONCS"));
 }
 
-std::string claveBonifica(std::string_view CODCONT) {
-  if (CODCONT.size() != 3) return recorta(CODCONT);
-  return textoGeneral(valorNumerico(CODCONT.substr(0, 1))) + std::string(CODCONT.substr(1, 2));
-}
-
 void LEEBONIFICA(Tabla& BONIFI, VariablesCalculo& v, int periodo) {
   BONIFI.indice("BNNU");
   if (!BONIFI.busca("=", {Valor(claveBonifica(v.CODCONT))})) return;

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "stores/almacen.h"
 
 namespace valdor {
@@ -30,8 +30,6 @@ void BONIFICACIONES(Tabla& BONIFI, std::string_view TRA4010, std::string_view TR
 // any other code is sought trimmed. A missing row changes nothing.
 void LEEBONIFICA(Tabla& BONIFI, VariablesCalculo& v, int periodo);
 
-// The key of CODCONT in the bonus table, as LEEBONIFICA seeks it.
-std::string claveBonifica(std::string_view CODCONT);
 
 // The TRA39 rule, after BONIFICACIONES: a TRA39V key of 1 to 5 fixes the common
 // percentage at 50 to 90 (BONMODO 1), 6 at 100 (BONMODO 2), any other key above 0 keeps

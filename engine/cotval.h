@@ -10,7 +10,7 @@
 #include <string_view>
 #include <unordered_map>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "stores/almacen.h"
 
 namespace valdor {
@@ -47,18 +47,12 @@ std::string claveContrato(std::string_view BCONT);
 // TRA39 rule, no maternity columns and no training hours.
 enum class ModoCalculo { PorTrabajador, UnaEmpresa, TodasLasEmpresas };
 
-class COTVAL {
+class COTVAL final : public EstadoCalculo {
  public:
   explicit COTVAL(Programa& programa);
   Programa& programa() { return programa_; }
 
   ModoCalculo modo = ModoCalculo::PorTrabajador;
-  BOLETIN boletin;
-  CajasBoletin cajas;
-  TablaTrabajo GRID1;
-  VariablesCalculo v;
-  double PRECIOHORADIST = 0;
-  double PRECIOHORAPRES = 0;
 
   // The step that derives the worker's statement from row 1 of GRID1.
   std::function<void(COTVAL&)> CALCULATRABAJADOR;
@@ -69,11 +63,10 @@ class COTVAL {
   // CARGAEMPRESA: the statement cleared, then the employer loaded when `clave` is found in
   // ESA. The per-worker run passes an empty key, which finds nothing.
   void CARGAEMPRESA(std::string_view clave);
-  // LEETRABAJADOR: the worker's variables for EMPACT and TRAACT; a worker not found keeps
-  // the previous worker's values. Only the per-worker run takes EPICLAVE from Lib3.
-  void LEETRABAJADOR();
-  // LEEEPIGRAFE: TIPOILT and TIPOIMS of EPIBUSCA; an epigraph not found keeps the rates.
-  void LEEEPIGRAFE();
+  // LEETRABAJADOR from the worker tables. Only the per-worker run takes EPICLAVE from Lib3.
+  void LEETRABAJADOR() override;
+  // LEEEPIGRAFE from the epigraph tables, each key sought once in the run.
+  void LEEEPIGRAFE() override;
 
   // The working-time class of the worker of the current row: 0, 1, 2 or 3.
   double claseJornada(std::string_view empresa, std::string_view trabajador);

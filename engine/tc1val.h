@@ -11,7 +11,7 @@
 #include <string_view>
 
 #include "engine/cotval.h"
-#include "engine/estado.h"
+#include "statement/estado.h"
 
 namespace valdor {
 

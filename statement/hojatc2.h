@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 
 namespace valdor {
 

@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 
 namespace valdor {
 

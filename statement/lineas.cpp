@@ -4,9 +4,8 @@
 #include <cmath>
 #include <cstdlib>
 
-#include "engine/bonificaciones.h"
-#include "engine/cotval.h"
 #include "shell/programa.h"
+#include "statement/estado.h"
 #include "stores/almacen.h"
 #include "stores/fechas.h"
 #include "stores/numeros.h"
@@ -111,7 +110,7 @@ struct DiasBaja {
 // The worker's lines, with the lookups they need.
 class EscrituraLineas {
  public:
-  EscrituraLineas(COTVAL& calculo, Programa& programa)
+  EscrituraLineas(EstadoCalculo& calculo, Programa& programa)
       : c_(calculo), p_(programa), a_(programa.almacenes), grid_(calculo.GRID1), v_(calculo.v) {}
 
   void escribe(double REDUCTOTAL);
@@ -127,7 +126,7 @@ class EscrituraLineas {
   bool contratoCorto(double contseg);
   std::string claveED9();
 
-  COTVAL& c_;
+  EstadoCalculo& c_;
   Programa& p_;
   Almacenes& a_;
   TablaTrabajo& grid_;
@@ -311,7 +310,7 @@ void EscrituraLineas::escribe(double REDUCTOTAL) {
 
 }  // namespace
 
-void ESCRIBELINEAS(COTVAL& calculo, Programa& programa, double REDUCTOTAL) {
+void ESCRIBELINEAS(EstadoCalculo& calculo, Programa& programa, double REDUCTOTAL) {
   EscrituraLineas(calculo, programa).escribe(REDUCTOTAL);
 }
 

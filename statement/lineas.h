@@ -8,7 +8,7 @@
 namespace valdor {
 
 class Almacen;
-class COTVAL;
+class EstadoCalculo;
 class Programa;
 
 // GUARDATEMPORAL: the line of kind `tipo` of the worker in TMPVALDOR of the temp store:
@@ -70,6 +70,6 @@ std::string lineaDAT(const DatosDAT& d, bool completa);
 // ED3, DAE, EDE, DAA, EDA, DAM, EDM, ED4, ED5, ED6, ED8, ED9, EDD and EDO, each under its
 // condition, kept in TMPVALDOR by GUARDATEMPORAL. `REDUCTOTAL` is the statement's
 // reductions (ED8).
-void ESCRIBELINEAS(COTVAL& calculo, Programa& programa, double REDUCTOTAL);
+void ESCRIBELINEAS(EstadoCalculo& calculo, Programa& programa, double REDUCTOTAL);
 
 }  // namespace valdor

@@ -3,7 +3,6 @@
 #include <cmath>
 #include <initializer_list>
 
-#include "engine/cotval.h"
 #include "shell/programa.h"
 #include "statement/lineas.h"
 #include "stores/fechas.h"
@@ -34,7 +33,7 @@ double diaDe(std::string_view fecha) { return REDONDEA2(izquierda(fecha, 2)); }
 
 }  // namespace
 
-Liquidacion::Liquidacion(COTVAL& calculo, Programa& programa, TiposDeLaEjecucion& tiposEjecucion)
+Liquidacion::Liquidacion(EstadoCalculo& calculo, Programa& programa, TiposDeLaEjecucion& tiposEjecucion)
     : calculo_(calculo),
       programa_(programa),
       b_(calculo.boletin),

@@ -15,12 +15,12 @@
 #include <string>
 #include <utility>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "statement/ficherotipos.h"
 
 namespace valdor {
 
-class COTVAL;
+class EstadoCalculo;
 class Programa;
 class Tabla;
 
@@ -67,7 +67,7 @@ class Liquidacion {
  public:
   // The derivation over the state of `calculo`; the stores and folders of `programa`;
   // the rates as the run `tiposEjecucion` has read them.
-  Liquidacion(COTVAL& calculo, Programa& programa, TiposDeLaEjecucion& tiposEjecucion);
+  Liquidacion(EstadoCalculo& calculo, Programa& programa, TiposDeLaEjecucion& tiposEjecucion);
 
   // True in the per-company TC1 run: the "OTRAS COTIZACIONES" bases are split by class.
   bool porEmpresa = false;
@@ -123,7 +123,7 @@ class Liquidacion {
   void muestraFiguras();
 
 
-  COTVAL& calculo_;
+  EstadoCalculo& calculo_;
   Programa& programa_;
   BOLETIN& b_;
   TablaTrabajo& grid_;

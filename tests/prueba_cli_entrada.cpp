@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "shell/asistente.h"
 #include "statement/impresion.h"
 #include "stores/error.h"

@@ -5,7 +5,7 @@
 
 #include <set>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "stores/fechas.h"
 
 namespace valdor {

@@ -21,7 +21,7 @@
 #include <string>
 #include <vector>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "fan/seleccion.h"
 #include "statement/hojatc2.h"
 

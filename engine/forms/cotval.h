@@ -7,7 +7,7 @@
 #include <QDialog>
 #include <QElapsedTimer>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "engine/motor.h"
 #include "statement/hojatc2.h"
 

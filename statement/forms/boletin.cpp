@@ -9,7 +9,7 @@
 #include <QLineEdit>
 #include <QVBoxLayout>
 
-#include "engine/cotval.h"
+#include "statement/estado.h"
 #include "shell/forms/texto_qt.h"
 #include "stores/texto.h"
 
@@ -289,7 +289,7 @@ void VistaBoletin::muestraHoja(bool visible) { hoja_->setVisible(visible); }
 
 bool VistaBoletin::hojaVisible() const { return !hoja_->isHidden(); }
 
-void VistaBoletin::muestra(const valdor::COTVAL& calculo) { muestra(calculo.cajas, hojaTC2(calculo.GRID1)); }
+void VistaBoletin::muestra(const valdor::EstadoCalculo& calculo) { muestra(calculo.cajas, hojaTC2(calculo.GRID1)); }
 
 void VistaBoletin::muestra(const CajasBoletin& cajas, const HojaTC2& hoja) {
   for (std::size_t n = 0; n < cajas_.size(); ++n)

@@ -14,14 +14,14 @@
 #include <QWidget>
 #include <array>
 
-#include "engine/estado.h"
+#include "statement/estado.h"
 #include "statement/hojatc2.h"
 
 class QGroupBox;
 class QLineEdit;
 
 namespace valdor {
-class COTVAL;
+class EstadoCalculo;
 }
 
 namespace valdor::formularios {
@@ -33,7 +33,7 @@ class VistaBoletin : public QWidget {
   explicit VistaBoletin(QWidget* padre = nullptr);
 
   // The statement boxes of the run and the sheet of the worker in row 1 of its GRID1.
-  void muestra(const valdor::COTVAL& calculo);
+  void muestra(const valdor::EstadoCalculo& calculo);
   // The same from boxes and a sheet kept aside. Each field shows its box's text without
   // the blanks that fill the box's field on the right.
   void muestra(const CajasBoletin& cajas, const HojaTC2& hoja);

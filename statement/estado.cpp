@@ -1,4 +1,4 @@
-#include "engine/estado.h"
+#include "statement/estado.h"
 
 #include "stores/numeros.h"
 #include "stores/texto.h"
@@ -133,6 +133,11 @@ std::string_view NOMBREMES(int mes) {
                                                             "Mayo",   "Junio",   "Julio",      "Agosto",
                                                             "Septiembre", "Octubre", "Noviembre", "Diciembre"};
   return mes >= 1 && mes <= 12 ? nombres[static_cast<std::size_t>(mes - 1)] : std::string_view{};
+}
+
+std::string claveBonifica(std::string_view CODCONT) {
+  if (CODCONT.size() != 3) return recorta(CODCONT);
+  return textoGeneral(valorNumerico(CODCONT.substr(0, 1))) + std::string(CODCONT.substr(1, 2));
 }
 
 }  // namespace valdor

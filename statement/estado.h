@@ -138,4 +138,36 @@ struct VariablesCalculo {
   std::string empresaPublica;  // the public company variable (A1 of the loaded employer)
 };
 
+// The key of the contract code CODCONT in the bonus table BONIFI: a code of exactly three
+// characters is the number of its first character followed by the other two ("007" is
+// "07"), any other code is the code trimmed.
+std::string claveBonifica(std::string_view CODCONT);
+
+// ---- The state of a run -----------------------------------------------------------------
+
+// What the derivation of a statement works on: the statement, its boxes, the working
+// rows and the run variables, and the two master lookups that the derivation asks for
+// on its way (the contribution engine that builds the rows answers them).
+class EstadoCalculo {
+ public:
+  BOLETIN boletin;
+  CajasBoletin cajas;
+  TablaTrabajo GRID1;
+  VariablesCalculo v;
+  double PRECIOHORADIST = 0;
+  double PRECIOHORAPRES = 0;
+
+  // LEETRABAJADOR: the worker's variables for EMPACT and TRAACT; a worker not found keeps
+  // the previous worker's values.
+  virtual void LEETRABAJADOR() = 0;
+  // LEEEPIGRAFE: TIPOILT and TIPOIMS of EPIBUSCA; an epigraph not found keeps the rates.
+  virtual void LEEEPIGRAFE() = 0;
+
+ protected:
+  EstadoCalculo() = default;
+  ~EstadoCalculo() = default;
+  EstadoCalculo(const EstadoCalculo&) = default;
+  EstadoCalculo& operator=(const EstadoCalculo&) = default;
+};
+
 }  // namespace valdor
