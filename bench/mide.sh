@@ -8,6 +8,11 @@
 #
 #   bench/mide.sh [EMPRESAS [TRABAJADORES]]      (2000 and 25 by default)
 #
+# Beside each FAN run it times the TC1 run of every company of the same month
+# (build/valdor-tc1, the core call behind the statement form's "Todas."), and for the
+# default sizes it checks the FAN file against the checksum it must keep: a faster run
+# that changes one byte is a wrong run.
+#
 # The program must be built (tools/compila.sh). The offices are written under
 # build/bench and left there for a look at their files.
 set -euo pipefail
@@ -16,8 +21,14 @@ cli="$raiz/build/valdor-cli"
 empresas=${1:-2000}
 trabajadores=${2:-25}
 suelo="$raiz/build/valdor-suelo"
+tc1="$raiz/build/valdor-tc1"
 [[ -x "$cli" ]] || { echo "Falta $cli: compile antes con tools/compila.sh" >&2; exit 1; }
 [[ -x "$suelo" ]] || { echo "Falta $suelo: compile antes con tools/compila.sh" >&2; exit 1; }
+[[ -x "$tc1" ]] || { echo "Falta $tc1: compile antes con tools/compila.sh" >&2; exit 1; }
+
+# The MD5 of the FAN file of the default sizes (2.000 and 4.000 companies of 25 workers,
+# October 2026, written at 2026-11-15 07:30 under the name "bench").
+declare -A SUMA=([2000x25]=22e9be8e2d8cfd012569d15050c248ea [4000x25]=PENDIENTE)
 [[ -x /usr/bin/time ]] || { echo "Falta /usr/bin/time (paquete time)" >&2; exit 1; }
 
 # One size: the office written fresh, then the FAN file of the whole month timed.
@@ -39,6 +50,24 @@ mide() {
   awk -v n="$n" -v m="$trabajadores" -v t="$total" -v s="$SEGUNDOS" -v k="$MEMORIA" -v l="$lineas" 'BEGIN {
     printf "%6d empresas x %d = %7d trabajadores: %7.2f s, %8.0f trabajadores/s, memoria máxima %6.1f MiB, %d líneas\n",
            n, m, t, s, (s > 0 ? t / s : 0), k / 1024, l }'
+  local suma
+  suma=$(md5sum < "$fichero" | cut -d' ' -f1)
+  if [[ -n "${SUMA[$n"x"$trabajadores]:-}" ]]; then
+    if [[ "$suma" == "${SUMA[$n"x"$trabajadores]}" ]]; then
+      echo "        fichero: el de siempre (md5 $suma)"
+    else
+      echo "        fichero: DISTINTO del de siempre (md5 $suma, debía ser ${SUMA[$n"x"$trabajadores]})"
+      DISTINTOS=1
+    fi
+  fi
+  # The TC1 run of every company of the same month, timed the same way.
+  /usr/bin/time -f "%e %M" -o "$oficina/tc1-medida.txt" "$tc1" "$oficina/programa" "$oficina/trabajo" 10 2026 \
+    > "$oficina/tc1.txt" 2> "$oficina/tc1-mensajes.txt"
+  local tc1s tc1m
+  read -r tc1s tc1m < "$oficina/tc1-medida.txt"
+  awk -v t="$tc1s" -v k="$tc1m" -v s="$SEGUNDOS" 'BEGIN {
+    printf "        TC1 de todas las empresas: %.2f s, memoria máxima %.1f MiB; razón TC1 / fichero: %.2f\n",
+           t, k / 1024, (s > 0 ? t / s : 0) }'
   # The floor, in the same run, over the same month and for a file of the same size.
   "$suelo" "$oficina/programa/PX202610.MDB" "$(stat -c %s "$fichero")" "$oficina/suelo.txt" > "$oficina/suelo-medida.txt"
   awk -v s="$SEGUNDOS" '
@@ -47,8 +76,10 @@ mide() {
                  q, a, e, (q + e > 0 ? s / (q + e) : 0) }' "$oficina/suelo-medida.txt"
 }
 
+DISTINTOS=0
 mide "$empresas"
 t1=$SEGUNDOS
 mide $((empresas * 2))
 t2=$SEGUNDOS
 awk -v a="$t1" -v b="$t2" 'BEGIN { printf "Razón de tiempos (doble de empresas / sencillo): %.2f\n", (a > 0 ? b / a : 0) }'
+exit "$DISTINTOS"

@@ -3,6 +3,7 @@
 #include "engine/cotval.h"
 #include "engine/tc1val.h"
 #include "fan/seleccion.h"
+#include "shell/asistente.h"
 #include "shell/programa.h"
 #include "statement/ficherotipos.h"
 #include "statement/liquidacion.h"
@@ -59,12 +60,12 @@ void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   a.CIERRAILTS();
 }
 
-MotorCalculo::AperturaTC1::AperturaTC1(Almacenes& a, int mes, int ano) : almacenes(a) {
+MotorCalculo::AperturaTC1::AperturaTC1(Almacenes& a, int mes, int ano, bool crea) : almacenes(a) {
   a.MESPERIODO = textoMesPeriodo(mes);
   a.ANOPERIODO = textoAnoPeriodo(ano);
-  a.CREAPERIODO();
+  if (crea) a.CREAPERIODO();
   a.ABREPERIODO();
-  a.CREAFORMACION();
+  if (crea) a.CREAFORMACION();
   a.ABREFORMACION();
 }
 
@@ -73,8 +74,8 @@ MotorCalculo::AperturaTC1::~AperturaTC1() {
   almacenes.CIERRAPERIODO();
 }
 
-MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, int mes, int ano)
-    : apertura(a, mes, ano),
+MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, int mes, int ano, bool crea)
+    : apertura(a, mes, ano, crea),
       periodo(a.periodo),
       producto(a.producto),
       empresas(a.empresas),
@@ -84,18 +85,50 @@ MotorCalculo::SesionTC1::SesionTC1(Almacenes& a, int mes, int ano)
       formacion(a.formacion),
       cuentas(a.cuentas) {}
 
-void MotorCalculo::TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina,
-                          const std::string& CODEMPRESA) {
-  if (!sesion_) sesion_.emplace(programa.almacenes, sel.mesDelPeriodo(), sel.anoDelPeriodo());
+void tc1DeEmpresa(Programa& programa, MotorCalculo::SesionTC1& sesion, int mes, int ano, bool devEnCta,
+                  PaginaIntercambio& pagina, const std::string& CODEMPRESA) {
   valdor::COTVAL calculo(programa);
   calculo.modo = ModoCalculo::UnaEmpresa;
-  preparaCOTVAL(programa, sel, calculo, sesion_->tipos);
-  Liquidacion liquidacion(calculo, programa, sesion_->tipos);
+  preparaCOTVAL(programa, mes, ano, calculo, sesion.tipos);
+  Liquidacion liquidacion(calculo, programa, sesion.tipos);
   valdor::TC1VAL tc1(calculo, liquidacion, programa);
-  tc1.devEnCta = sel.devEnCta;
+  tc1.devEnCta = devEnCta;
   tc1.pagina = &pagina;
   VACIABOLETIN(calculo.cajas, calculo.v.empresaPublica);
   tc1.CARGAEMPRESA(CODEMPRESA, true);
+}
+
+void MotorCalculo::TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina,
+                          const std::string& CODEMPRESA) {
+  if (adelanto_) {
+    if (auto hecho = adelanto_->toma(CODEMPRESA)) {
+      pagina.ponGuia(hecho->guia);
+      for (int i = 1; i <= 18; ++i) programa.g.LINEASTC1[static_cast<std::size_t>(i)] = std::move(hecho->lineas[static_cast<std::size_t>(i)]);
+      if (hecho->dba) programa.g.LINEASTC1[19] = std::move(*hecho->dba);
+      ++adelantadas;
+      return;
+    }
+  }
+  if (!sesion_) sesion_.emplace(programa.almacenes, sel.mesDelPeriodo(), sel.anoDelPeriodo());
+  tc1DeEmpresa(programa, *sesion_, sel.mesDelPeriodo(), sel.anoDelPeriodo(), sel.devEnCta, pagina, CODEMPRESA);
+}
+
+void MotorCalculo::adelantaTC1(Programa& programa, const COTIZACION& sel) {
+  adelanto_.reset();
+  adelantadas = 0;
+  if (!adelantar || !almacenesEnVariosHilos()) return;
+  // A Jet month is read whole into memory by each reader: the second thread would pay
+  // that reading again and hold a second copy.
+  Almacenes& a = programa.almacenes;
+  a.MESPERIODO = textoMesPeriodo(sel.mesDelPeriodo());
+  a.ANOPERIODO = textoAnoPeriodo(sel.anoDelPeriodo());
+  if (motorDe(a.rutaPeriodo()) != Motor::SQLite) return;
+  adelanto_.emplace(programa, sel);
+}
+
+void MotorCalculo::terminaTC1(Programa&) {
+  adelanto_.reset();
+  sesion_.reset();
 }
 
 void ejecutaTC1(Programa& programa, const EjecucionTC1& e) {

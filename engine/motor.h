@@ -7,6 +7,7 @@
 #include <optional>
 #include <string>
 
+#include "engine/adelanto.h"
 #include "fan/comando.h"
 #include "statement/ficherotipos.h"
 #include "stores/almacen.h"
@@ -25,28 +26,45 @@ class MotorCalculo : public MotorCotizacion {
   // the month, sick-day and training stores opened, CALCULAEMPRESAS, the stores closed.
   void COTVAL(Programa& programa, COTIZACION& sel) override;
   // The one-company TC1 run of CODEMPRESA: its statement into LINEASTC1 (entry 19 with
-  // "Dev. en Cta."), its progress text on the wizard. The month store and the read locks
-  // are taken at the first company and kept until terminaTC1.
+  // "Dev. en Cta."), its progress text on the wizard. The result worked out ahead is
+  // taken when there is one; otherwise the month store and the read locks are taken at
+  // the first company run here and kept until terminaTC1.
   void TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina, const std::string& CODEMPRESA) override;
-  void terminaTC1(Programa&) override { sesion_.reset(); }
+  // Starts the second thread that works the companies' TC1 out ahead (when `adelantar`
+  // and the month store is an SQLite file).
+  void adelantaTC1(Programa& programa, const COTIZACION& sel) override;
+  void terminaTC1(Programa&) override;
+
+  // Off, every company's TC1 is run when the file asks for it, on the file's thread.
+  bool adelantar = true;
+  // The companies of the last file whose TC1 came from the second thread.
+  int adelantadas = 0;
 
  public:
-  // The month and training stores open, and one read lock per store the TC1 reads, for
-  // all the companies of a file.
+  // The month and training stores open (made first when missing, unless `crea` is
+  // off), and one read lock per store the TC1 reads, for all the companies of a file.
   struct AperturaTC1 {
-    AperturaTC1(Almacenes& a, int mes, int ano);
+    AperturaTC1(Almacenes& a, int mes, int ano, bool crea);
     ~AperturaTC1();
     Almacenes& almacenes;
   };
   struct SesionTC1 {
-    SesionTC1(Almacenes& a, int mes, int ano);
+    SesionTC1(Almacenes& a, int mes, int ano, bool crea = true);
     AperturaTC1 apertura;
     LecturaContinua periodo, producto, empresas, constant, bonifica, desempleo, formacion, cuentas;
     TiposDeLaEjecucion tipos;
   };
+
  private:
   std::optional<SesionTC1> sesion_;
+  std::optional<AdelantoTC1> adelanto_;
 };
+
+// The TC1 run of one company of a FAN file for the period `mes`/`ano`, inside an open
+// session: the statement cleared, the company loaded and its rows worked out, its lines
+// into LINEASTC1 (entry 19 with `devEnCta`), its name on the wizard's guide.
+void tc1DeEmpresa(Programa& programa, MotorCalculo::SesionTC1& sesion, int mes, int ano, bool devEnCta,
+                  PaginaIntercambio& pagina, const std::string& CODEMPRESA);
 
 // Prepares a run of the statement for a period: the month and year, and the training
 // hour prices of the year's rate file as the run reads it.

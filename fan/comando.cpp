@@ -210,12 +210,6 @@ void escribeFAN(Programa& programa, PaginaIntercambio& pagina, COTIZACION& sel, 
   EstadoBloques estado;
   int hechas = 0;
   LecturaContinua lecturaTemporal(a.temporal), lecturaEmpresas(a.empresas);
-  // Whatever the companies' TC1 runs kept open is let go when the file is done.
-  struct FinTC1 {
-    MotorCotizacion& motor;
-    Programa& programa;
-    ~FinTC1() { motor.terminaTC1(programa); }
-  } finTC1{motor, programa};
   for (FilaEmpresa& fila : sel.grid) {
     if (!fila.marcada) continue;
     dialogos.progreso(marcadas ? 100 * hechas++ / marcadas : 0, "Generando fichero:", fila.BNOMBRE);
@@ -268,7 +262,15 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
   // could not be read (even one a rule read as empty), a line that is not whole, an
   // error shown. Otherwise no file, and an old one of that name stays as it was.
   const MarcaTrabajo inicio = programa.marca();
+  // Whatever the companies' TC1 runs kept open, or still work on, is let go when the
+  // file is done or given up.
+  struct FinTC1 {
+    MotorCotizacion& motor;
+    Programa& programa;
+    ~FinTC1() { motor.terminaTC1(programa); }
+  } finTC1{motor, programa};
   try {
+    motor.adelantaTC1(programa, sel);
     motor.COTVAL(programa, sel);
     const auto destino = destinoIntercambio(programa, rutaFicheroFAN(g.RUTAWS, pagina));
     if (!destino) return std::nullopt;

@@ -27,7 +27,12 @@ class MotorCotizacion {
   // TC1VAL for one company: its TC1 lines into LINEASTC1, its progress on the wizard.
   virtual void TC1VAL(Programa& programa, COTIZACION& sel, PaginaIntercambio& pagina,
                       const std::string& CODEMPRESA) = 0;
-  // After the last company's TC1VAL: whatever the runs kept open is let go.
+  // Before COTVAL: the engine may start working out the TC1 of the marked companies
+  // ahead, beside the statement run; the file still asks for each with TC1VAL, in the
+  // grid's order, and gets what that company's own run would give.
+  virtual void adelantaTC1(Programa&, const COTIZACION&) {}
+  // After the last company's TC1VAL, or when the file is given up: whatever the runs
+  // kept open, or still work on, is let go.
   virtual void terminaTC1(Programa&) {}
 };
 

@@ -289,6 +289,8 @@ Sentencia& Almacen::preparada(const std::string& sql) {
   return *it->second;
 }
 
+bool almacenesEnVariosHilos() { return sqlite3_threadsafe() != 0; }
+
 LecturaContinua::LecturaContinua(Almacen& almacen) : almacen_(almacen) {
   if (almacen_.abierto() && sqlite3_get_autocommit(almacen_.conexion()))
     abierta_ = sqlite3_exec(almacen_.conexion(), "BEGIN", nullptr, nullptr, nullptr) == SQLITE_OK;

@@ -285,6 +285,10 @@ class Almacen {
   void devuelve(std::string sql, SentenciaConsulta preparada) noexcept;
 };
 
+// Whether stores may be read on two threads at once, each through connections of its
+// own: the SQLite library is built for it.
+bool almacenesEnVariosHilos();
+
 // Writes that belong together: rolled back unless confirmed.
 class Transaccion {
  public:
