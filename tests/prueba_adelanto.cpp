@@ -14,28 +14,20 @@
 #include "shell/programa.h"
 #include "stores/oficina_muestra.h"
 #include "tests/apoyo.h"
+#include "tests/trabajo_prueba.h"
 
 namespace valdor {
 namespace {
 
-namespace fs = std::filesystem;
-using pruebas::CarpetaTemporal;
-using pruebas::DialogosGrabador;
 
 // A generated office of October 2026 and the FAN job of all its companies, with the
 // refund line asked for, so that the TC1 lines and entry 19 both reach the file.
-struct MesGenerado {
+struct MesGenerado : pruebas::TrabajoDePrueba {
   explicit MesGenerado(int empresas) {
-    fs::create_directories(carpetas.programa);
-    fs::create_directories(carpetas.trabajo);
     escribeOficinaMuestra(carpetas, {10, 2026, empresas, 4});
-    programa.entornoWine = {c / "wine"};
     programa.arranca();
     programa.g.RUTAWS = "C:\\WINSUITE\\WINSUITE.EXE";
-    pagina.marcaCotizacion();
-    pagina.Label10 = "FAN";
-    pagina.Label12 = "20261115";
-    pagina.Label13 = "0730";
+    paginaDe("FAN");
     sel.eligeMes(9);
     sel.eligeAno(2026 - 1901);
     PRESIONBOTON(programa, pagina, sel);
@@ -51,11 +43,6 @@ struct MesGenerado {
     return pruebas::leeBytes(c / "wine/drive_c/WINSUITE/VIPTC2/FAN" / (nombre + ".FAN"));
   }
 
-  CarpetaTemporal c;
-  Carpetas carpetas{c / "programa", c / "trabajo"};
-  DialogosGrabador dialogos;
-  Programa programa{carpetas, dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0}};
-  PaginaIntercambio pagina;
   COTIZACION sel;
 };
 

@@ -12,6 +12,7 @@
 #include "stores/ficheros.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
+#include "tests/trabajo_prueba.h"
 
 namespace valdor {
 namespace {
@@ -181,10 +182,8 @@ TEST(RepartoAfi, LosNombresDeLosFicherosSiguientesCuentanHaciaArriba) {
 
 // ---- The module on its stores -------------------------------------------------------------------
 
-struct Modulo {
+struct Modulo : pruebas::TrabajoDePrueba {
   Modulo() {
-    fs::create_directories(carpetas.programa);
-    fs::create_directories(carpetas.trabajo);
     Almacen::crea(carpetas.programa / "EMPRESAS.MDB", esquemas::tablasEMPRESAS());
     Almacen::crea(carpetas.programa / "PRODUCTO.MDB", esquemas::tablasPRODUCTO());
     Almacen::crea(carpetas.programa / "CONSTANT.MDB", esquemas::tablasCONSTANT());
@@ -195,7 +194,6 @@ struct Modulo {
     productos.abre(carpetas.programa / "PRODUCTO.MDB");
     FicheroAjustes f(carpetas.trabajo);
     f.escribe({"123", "ABCDEFGH", "C:\\WINSUITE\\WINSUITE.EXE", ""});
-    programa.entornoWine = {c / "wine"};
   }
   void empresa(const std::string& a1, const std::string& a8) {
     empresas.ejecuta("INSERT INTO ESA (A1, A2, A8, A5) VALUES (?, ?, ?, 'MADRID')", {a1, "EMPRESA " + a1, a8});
@@ -217,11 +215,8 @@ struct Modulo {
     for (const auto& [emp, tra] : pendientes) pendiente(emp, tra);
     t.confirma();
     programa.g.RUTAWS = "C:\\WINSUITE\\WINSUITE.EXE";
-    pagina.marcaAfiliacion();
+    paginaDe("AFI");
     pagina.Text8 = "AFI00001";
-    pagina.Label10 = "AFI";
-    pagina.Label12 = "20261115";
-    pagina.Label13 = "0730";
     // Label lines of a whole record's width: the writer takes nothing shorter.
     programa.g.LINEAETI = ajusta("ETI", 70);
     programa.g.LINEASIL = ajusta("SIL", 70);
@@ -238,12 +233,7 @@ struct Modulo {
     while (q.siguiente()) r.emplace_back(q.texto("VALDEMP"), q.texto("VALDTRA"));
     return r;
   }
-  CarpetaTemporal c;
-  Carpetas carpetas{c / "programa", c / "trabajo"};
   Almacen empresas, productos;
-  DialogosGrabador dialogos;
-  Programa programa{carpetas, dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0}};
-  PaginaIntercambio pagina;
   std::vector<std::pair<std::string, std::string>> pendientes;
 };
 

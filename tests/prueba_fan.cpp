@@ -13,6 +13,7 @@
 #include "stores/ficheros.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
+#include "tests/trabajo_prueba.h"
 
 namespace valdor {
 namespace {
@@ -177,10 +178,8 @@ struct MotorGuionado : MotorCotizacion {
   int calculos = 0;
 };
 
-struct Intercambio {
+struct Intercambio : pruebas::TrabajoDePrueba {
   Intercambio() {
-    fs::create_directories(carpetas.programa);
-    fs::create_directories(carpetas.trabajo);
     // Every master store, for a job refuses to write when one is missing.
     Almacen::crea(carpetas.programa / "CONVENIO.MDB", esquemas::tablasCONVENIO());
     Almacen::crea(carpetas.programa / "PRODUCTO.MDB", esquemas::tablasPRODUCTO());
@@ -197,13 +196,9 @@ struct Intercambio {
               {"28000000002", "SEGUNDA", "12345678Z", "6", "7"});
     FicheroAjustes f(carpetas.trabajo);
     f.escribe({"00000123", "SILCON01", "C:\\WINSUITE\\WINSUITE.EXE", ""});
-    programa.entornoWine = {c / "wine"};
     programa.arranca();
     programa.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
-    pagina.marcaCotizacion();
-    pagina.Label10 = "FAN";
-    pagina.Label12 = "20261115";
-    pagina.Label13 = "0730";
+    paginaDe("FAN");
     pagina.Text8 = "PRUEBA01";
     programa.g.LINEAETI = LINEAETI(pagina, {"00000123", "SILCON01", "", ""});
     sel.eligeMes(2);
@@ -219,11 +214,6 @@ struct Intercambio {
   std::vector<std::string> lineas() const {
     return pruebas::registros(c / "wine/drive_c/WINSUITE/VIPTC2/FAN/PRUEBA01.FAN");
   }
-  CarpetaTemporal c;
-  Carpetas carpetas{c / "programa", c / "trabajo"};
-  DialogosGrabador dialogos;
-  Programa programa{carpetas, dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0}};
-  PaginaIntercambio pagina;
   COTIZACION sel;
   MotorGuionado motor;
 };
