@@ -28,7 +28,9 @@ tc1="$raiz/build/valdor-tc1"
 
 # The MD5 of the FAN file of the default sizes (2.000 and 4.000 companies of 25 workers,
 # October 2026, written at 2026-11-15 07:30 under the name "bench").
-declare -A SUMA=([2000x25]=22e9be8e2d8cfd012569d15050c248ea [4000x25]=PENDIENTE)
+declare -A SUMA=([2000x25]=22e9be8e2d8cfd012569d15050c248ea [4000x25]=f5b9c5822396e983860ed399abda5c8d)
+# The same for the sample office (October 2026, "muestra", every company, --dev-cta).
+SUMAMUESTRA=dfdd8761344247c7cb4c8ee0c8c7f3d8
 [[ -x /usr/bin/time ]] || { echo "Falta /usr/bin/time (paquete time)" >&2; exit 1; }
 
 # One size: the office written fresh, then the FAN file of the whole month timed.
@@ -77,6 +79,26 @@ mide() {
 }
 
 DISTINTOS=0
+
+# The sample office's file of October 2026, every company with the refund lines, against
+# its checksum.
+muestra="$raiz/build/bench/muestra"
+rm -rf "$muestra"
+mkdir -p "$muestra"
+(
+  export WINEPREFIX="$muestra/wine"
+  valdor=("$cli" --programa "$muestra/programa" --trabajo "$muestra/trabajo" --ahora "2026-11-15 07:30")
+  "${valdor[@]}" muestra --mes 10 --ano 2026 > /dev/null
+  "${valdor[@]}" fan --mes 10 --ano 2026 --nombre muestra --dev-cta > "$muestra/fan.txt" 2>&1
+)
+suma=$(md5sum < "$(tail -n 1 "$muestra/fan.txt")" | cut -d' ' -f1)
+if [[ "$suma" == "$SUMAMUESTRA" ]]; then
+  echo "Oficina de muestra: el fichero de siempre (md5 $suma)"
+else
+  echo "Oficina de muestra: fichero DISTINTO del de siempre (md5 $suma, debía ser $SUMAMUESTRA)"
+  DISTINTOS=1
+fi
+
 mide "$empresas"
 t1=$SEGUNDOS
 mide $((empresas * 2))

@@ -113,11 +113,11 @@ int colacionEspanol(void*, int na, const void* a, int nb, const void* b) {
 
 }  // namespace
 
-int comparaEspanol(std::string_view a, std::string_view b) {
-  a = sinBlancosFinales(a);
-  b = sinBlancosFinales(b);
-  if (a == b) return 0;
-  std::size_t i = 0, j = 0;
+namespace {
+
+// The weights of the two texts from byte `desde` on, where both start a letter.
+int comparaDesde(std::string_view a, std::string_view b, std::size_t desde) {
+  std::size_t i = desde, j = desde;
   while (i < a.size() && j < b.size()) {
     const std::uint32_t pa = siguientePeso(a, i);
     const std::uint32_t pb = siguientePeso(b, j);
@@ -126,6 +126,33 @@ int comparaEspanol(std::string_view a, std::string_view b) {
   if (i < a.size()) return 1;
   if (j < b.size()) return -1;
   return 0;
+}
+
+// Whether byte `n` of a text starts a letter of the collation whatever follows: the byte
+// before it is plain ASCII that does not begin a CH or an LL.
+bool empiezaLetra(std::string_view s, std::size_t n) {
+  if (n == 0) return true;
+  const auto c = static_cast<unsigned char>(s[n - 1]);
+  return c < 0x80 && c != 'C' && c != 'c' && c != 'L' && c != 'l';
+}
+
+}  // namespace
+
+int comparaEspanol(std::string_view a, std::string_view b) {
+  a = sinBlancosFinales(a);
+  b = sinBlancosFinales(b);
+  if (a == b) return 0;
+  // The keys of the stores share long beginnings (a company's code, a worker's number):
+  // the same bytes weigh the same, so the weighing starts where the texts part, taken
+  // back to the start of a letter.
+  std::size_t comun = 0;
+  while (comun < a.size() && comun < b.size() && a[comun] == b[comun]) ++comun;
+  while (!empiezaLetra(a, comun)) --comun;
+  return comparaDesde(a, b, comun);
+}
+
+int comparaEspanolPorPesos(std::string_view a, std::string_view b) {
+  return comparaDesde(sinBlancosFinales(a), sinBlancosFinales(b), 0);
 }
 
 int registraColacionEspanol(sqlite3* db) {

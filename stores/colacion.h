@@ -14,6 +14,9 @@ namespace valdor {
 
 // Compares two UTF-8 texts: negative, zero or positive as strcmp.
 int comparaEspanol(std::string_view a, std::string_view b);
+// The same comparison weighing both texts from their first letter; `comparaEspanol`
+// skips the bytes the two share first, and the two must always agree.
+int comparaEspanolPorPesos(std::string_view a, std::string_view b);
 
 // Registers the collation on a connection; returns SQLite's result code.
 int registraColacionEspanol(sqlite3* db);

@@ -130,6 +130,27 @@ TEST(Almacen, LasClavesSiguenElOrdenEspanolCiegoAMayusculasYAcentos) {
   EXPECT_LT(comparaEspanol("A B", "A1"), 0);          // blanks before digits
   EXPECT_LT(comparaEspanol("9", "A"), 0);             // digits before letters
   EXPECT_LT(comparaEspanol("ABC", "ABCD"), 0);
+  // Texts that share their first bytes part inside a CH, an LL or an accented letter.
+  EXPECT_LT(comparaEspanol("ACZ", "ACH"), 0);   // C before CH, whatever follows
+  EXPECT_LT(comparaEspanol("ALM", "ALLA"), 0);  // L before LL, whatever follows
+  EXPECT_EQ(comparaEspanol("N\xC3\xA1", "N\xC3\x81"), 0);
+  // The short path against weighing from the first letter, on texts built of the
+  // pieces where they could disagree.
+  const char* piezas[] = {"C", "c", "H", "h", "L", "l", "A", "N", "\xC3\x91", "\xC3\xB1", "\xC3\xA1", "\xC3", " ", "0", "-"};
+  std::uint64_t semilla = 20261124;
+  auto pieza = [&] {
+    semilla = semilla * 6364136223846793005ULL + 1442695040888963407ULL;
+    return std::string(piezas[(semilla >> 33) % std::size(piezas)]);
+  };
+  for (int i = 0; i < 100000; ++i) {
+    std::string comun, a, b;
+    for (int k = static_cast<int>(semilla >> 60); k > 0; --k) comun += pieza();
+    for (int k = 0; k < 3; ++k) a += pieza(), b += pieza();
+    a = comun + a;
+    b = comun + b;
+    ASSERT_EQ(comparaEspanol(a, b) < 0, comparaEspanolPorPesos(a, b) < 0) << a << " / " << b;
+    ASSERT_EQ(comparaEspanol(a, b) == 0, comparaEspanolPorPesos(a, b) == 0) << a << " / " << b;
+  }
 
   // CH after C, LL after L, Ñ after N.
   Personas p;
