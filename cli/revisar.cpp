@@ -50,17 +50,19 @@ std::string hallazgoJson(const Hallazgo& h) {
       .append(", \"regla\": ").append(cadenaJson(h.regla)).append("}");
 }
 
-// What the check says, as it is met: the text of each finding, or with --json the
-// findings gathered into one document at the end (only the findings are kept).
+// What the check says, as it is met: the text of each finding, or with --json each
+// field finding as an element of the document's list (the line findings, few, are kept
+// for the end).
 struct Informe {
   bool json = false;
-  std::vector<std::string> lineas, campos;
+  std::vector<std::string> lineas;
+  std::size_t campos = 0;
   void deLinea(const std::string& texto) {
     if (json) lineas.push_back(cadenaJson(texto));
     else escribeLinea(std::cout, texto);
   }
   void deCampo(const Hallazgo& h) {
-    if (json) campos.push_back(hallazgoJson(h));
+    if (json) std::cout << (campos++ ? ",\n    " : "\n    ") << hallazgoJson(h);
     else escribeLinea(std::cout, textoHallazgo(h));
   }
 };
@@ -86,6 +88,7 @@ int ordenRevisar(const Llamada& llamada) {
   try {
     LectorLineas lector(fichero, LIMITELINEA);
     if (!informe.json) escribeLinea(std::cout, "Fichero " + entreComillas(fichero) + ":");
+    else std::cout << "{\n  \"fichero\": " << cadenaJson(utf8ACp1252(fichero.string())) << ",\n  \"hallazgos\": [";
     if (tipo == TipoIntercambio::Otro)
       informe.deLinea(std::string("No es un fichero .FAN ni .AFI: solo se revisan la longitud y el fin de las líneas."_cp));
     RevisionFichero revision(tipo);
@@ -107,11 +110,8 @@ int ordenRevisar(const Llamada& llamada) {
       return bien ? SALIDABIEN : SALIDAFALLO;
     }
     for (const std::string& l : revision.cierre()) informe.deLinea(l);
-    std::cout << (std::string("{\n  \"fichero\": ").append(cadenaJson(utf8ACp1252(fichero.string())))
-                           .append(",\n  \"lineas\": ").append(std::to_string(revision.lineas()))
-                           .append(",\n  \"bien\": ").append(bien ? "true" : "false")
-                           .append(",\n  \"hallazgos\": ").append(listaJson(informe.campos))
-                           .append(",\n  \"lineas_y_cierre\": ").append(listaJson(informe.lineas)).append("\n}\n"));
+    std::cout << (informe.campos ? "\n  ]" : "]") << ",\n  \"lineas_y_cierre\": " << listaJson(informe.lineas)
+              << ",\n  \"lineas\": " << revision.lineas() << ",\n  \"bien\": " << (bien ? "true" : "false") << "\n}\n";
     return bien ? SALIDABIEN : SALIDAFALLO;
   } catch (const ErrorFichero& e) {
     throw ErrorTrabajo(e.what());
