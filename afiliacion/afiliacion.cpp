@@ -611,7 +611,7 @@ void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFI
   std::vector<fs::path> puestos;
   try {
     for (std::size_t k = 0; k < ficheros.size(); ++k) {
-      ficheros[k].confirma();
+      ficheros[k].confirma(programa.revisaEscrito);
       puestos.push_back(rutaNativa(rutas[k], programa.entornoWine));
     }
   } catch (const ErrorFichero&) {

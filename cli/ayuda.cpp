@@ -67,7 +67,7 @@ const std::array<Orden, 8>& ordenes() {
        true, false, ""},
       {"fan", R"(  fan      [--mes M --ano A] [--empresas C1,C2,...] [--clase L00] [--calificador 00]
            [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
-           [--dev-cta] [--lanzar]
+           [--dev-cta] [--lanzar] [--estricto]
            escribe el fichero de cotización .FAN; sin --empresas, todas las del mes;
            la última línea es la ruta del fichero
 )"_cp,
@@ -78,9 +78,10 @@ const std::array<Orden, 8>& ordenes() {
   --calificador 00  calificador de la liquidación (00 a 10)
   --dev-cta         añade la línea DBA de «Dev. en Cta.» a cada empresa
   --lanzar          arranca WINSUITE al terminar
+  --estricto        no escribe el fichero si la revisión de sus campos encuentra algo
 )"_cp},
       {"afi", R"(  afi      [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
-           [--clave V] [--nueva-clave V] [--borrar-pendientes]
+           [--clave V] [--nueva-clave V] [--borrar-pendientes] [--estricto]
            escribe los ficheros de afiliación .AFI de los trabajadores pendientes; con
            --borrar-pendientes borra después los pendientes que van en ellos
 )"_cp,
@@ -89,6 +90,7 @@ const std::array<Orden, 8>& ordenes() {
   --borrar-pendientes
                     borra de la lista de pendientes, por su clave, los que van
                     en los ficheros escritos, después de escribirlos
+  --estricto        no escribe los ficheros si la revisión de sus campos encuentra algo
 )"_cp},
       {"imprimir", R"(  imprimir --empresa CODIGO [--mes M --ano A] [--puerto P] [--red]
            imprime el boletín TC1 de la empresa en el impreso: en el puerto P, o en el de
@@ -104,10 +106,12 @@ const std::array<Orden, 8>& ordenes() {
   --red             el boletín va como enviado por R.E.D., con la autorización de los
                     ajustes
 )"_cp},
-      {"revisar", R"(  revisar  FICHERO
+      {"revisar", R"(  revisar  FICHERO [--json]
            revisa un fichero .FAN o .AFI sin cambiarlo: las líneas que no tienen 70
-           caracteres, las que no empiezan por un segmento de su tipo, y si las cuentas
-           del cierre ETF cuadran; acaba con 1 si encuentra algo. FICHERO puede ser una
+           caracteres, las que no empiezan por un segmento de su tipo, si las cuentas
+           del cierre ETF cuadran, y cada campo (cifras, importes, fechas, periodo,
+           dígitos de control, letra del DNI, sumas de la empresa y del TC1); acaba con
+           1 si encuentra algo. Con --json, lo mismo para un guion. FICHERO puede ser una
            ruta de Windows (C:\...) de las unidades de Wine
 )"_cp,
        false, false, ""},
@@ -155,7 +159,7 @@ std::optional<std::string> ayudaDeOrden(std::string_view orden) {
   const Orden* o = buscaOrden(orden);
   if (!o) return std::nullopt;
   std::string texto = "Uso: " + std::string(LLAMADA) + " " + std::string(o->nombre) +
-                      (o->nombre == "revisar" ? " FICHERO\n\n" : " [opciones]\n\n");
+                      (o->nombre == "revisar" ? " FICHERO [--json]\n\n" : " [opciones]\n\n");
   texto += o->resumen;
   if (o->conPeriodo || o->conNombreModo || !o->valores.empty()) {
     texto += "\nOpciones:\n";

@@ -5,6 +5,7 @@
 
 #include "cli/consola.h"
 #include "cli/ordenes.h"
+#include "browser/revision.h"
 #include "engine/motor.h"
 #include "afiliacion/afiliacion.h"
 #include "fan/comando.h"
@@ -215,12 +216,26 @@ void preparaPaginaDeOpciones(const Opciones& o, const PaginaIntercambio& cajas, 
   if (o.tiene("--nueva-clave")) pagina.Text11 = cajas.Text11;
 }
 
+// The field checks of each exchange file just written, before it takes its name: the
+// findings on the error output, and with --estricto no file when there is one.
+RevisionEscrito revisionDeEscritos(bool estricto, std::optional<PeriodoFichero> periodo = std::nullopt) {
+  return [=](const std::filesystem::path& escrito, const std::filesystem::path& destino) {
+    const auto hallazgos = revisaFichero(escrito, tipoDeFichero(destino.filename().string()), periodo);
+    if (hallazgos.empty()) return;
+    escribeLinea(std::cerr, "Hallazgos en los campos de " + entreComillas(destino) + ":");
+    for (const Hallazgo& h : hallazgos) escribeLinea(std::cerr, textoHallazgo(h));
+    if (estricto)
+      throw ErrorFichero(std::to_string(hallazgos.size()) + " hallazgos en los campos de " + entreComillas(destino) +
+                         ", y con --estricto no se escribe.");
+  };
+}
+
 }  // namespace
 
 int ordenFan(const Llamada& llamada) {
   const Opciones o(llamada.argumentos,
                    {"--mes", "--ano", "--empresas", "--clase", "--calificador", "--nombre", "--modo", "--sustituye"},
-                   {"--dev-cta", "--lanzar"});
+                   {"--dev-cta", "--lanzar", "--estricto"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   MotorCalculo motor;
@@ -241,6 +256,7 @@ int ordenFan(const Llamada& llamada) {
   const PaginaIntercambio cajas = cajasDeOpciones(o);
 
   preparaPaginaDeOpciones(o, cajas, programa, pagina, true);
+  programa.revisaEscrito = revisionDeEscritos(o.tiene("--estricto"), PeriodoFichero{formularios.ano, formularios.mes});
 
   SinLanzar sinLanzar;
   LanzadorDelSistema delSistema;
@@ -290,13 +306,14 @@ int informaFicheros(Programa& programa, const std::vector<std::string>& ficheros
 
 int ordenAfi(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--nombre", "--modo", "--sustituye", "--clave", "--nueva-clave"},
-                   {"--borrar-pendientes"});
+                   {"--borrar-pendientes", "--estricto"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   PaginaIntercambio pagina;
   FormulariosAfiliacion formularios(programa, pagina, o.tiene("--borrar-pendientes"));
   const PaginaIntercambio cajas = cajasDeOpciones(o);
   preparaPaginaDeOpciones(o, cajas, programa, pagina, false);
+  programa.revisaEscrito = revisionDeEscritos(o.tiene("--estricto"));
   SinLanzar sinLanzar;
   Command3(programa, pagina, formularios, sinLanzar, programa.entornoWine);
   programa.termina();

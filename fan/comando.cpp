@@ -278,7 +278,7 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
     FicheroRegistros fichero(*destino);
     escribeFAN(programa, pagina, sel, motor, fichero);
     if (const auto motivo = programa.motivoDeFallo(inicio)) throw ErrorFichero(*motivo);
-    fichero.confirma();
+    fichero.confirma(programa.revisaEscrito);
   } catch (const ErrorValdor& e) {
     dialogos.mensaje(tituloValdor(), conFicheroNoGenerado(e.what()), Icono::Critico);
     return std::nullopt;

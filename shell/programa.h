@@ -13,6 +13,7 @@
 #include "shell/momento.h"
 #include "shell/rutas.h"
 #include "stores/catalogo.h"
+#include "stores/ficheros.h"
 #include "stores/numeros.h"
 
 namespace valdor {
@@ -72,6 +73,9 @@ class Programa {
   Almacenes almacenes;
   // Where the Windows drives of the transmission tool are.
   EntornoWine entornoWine = entornoWineDelSistema();
+  // What looks at each exchange file the writers make, before it takes its name (the
+  // field checks, when the caller asks for them); none by default.
+  RevisionEscrito revisaEscrito;
 
   Dialogos& dialogos() { return dialogos_; }
 

@@ -235,11 +235,12 @@ void FicheroRegistros::imprimeRegistro(std::string_view linea, std::string_view 
   imprime(registro);
 }
 
-void FicheroRegistros::confirma() {
+void FicheroRegistros::confirma(const RevisionEscrito& revision) {
   vuelca();
   int error = ::fsync(fd_) != 0 ? errno : 0;
   if (::close(fd_) != 0 && error == 0) error = errno;
   fd_ = -1;
+  if (error == 0 && revision) revision(temporal_, destino_);
   if (error == 0 && ::rename(temporal_.c_str(), destino_.c_str()) != 0) error = errno;
   if (error != 0) fallaEscritura(destino_, error);
   confirmado_ = true;

@@ -9,6 +9,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <stdexcept>
 #include <string>
 #include <string_view>
@@ -103,6 +104,10 @@ void limpiaTemporalesHuerfanos(const std::filesystem::path& destino);
 // already under the final name stays as it is until the rename replaces it whole.
 inline constexpr std::size_t LARGOREGISTRO = 70;
 
+// A look at a written file (`escrito`, its temporary name) before it takes its final
+// name (`destino`).
+using RevisionEscrito = std::function<void(const std::filesystem::path& escrito, const std::filesystem::path& destino)>;
+
 class FicheroRegistros {
  public:
   // Creates the folder of `destino` when it is missing. Throws ErrorFichero.
@@ -123,7 +128,9 @@ class FicheroRegistros {
   // The bytes written so far.
   std::uintmax_t longitud() const { return longitud_; }
   // Writes what is gathered, flushes the file to disk and puts it under its final name. Throws ErrorFichero.
-  void confirma();
+  // `revision`, when given, reads the whole file under its temporary name just before;
+  // what it throws keeps the file from its name, and the file is removed.
+  void confirma(const RevisionEscrito& revision = {});
 
  private:
   std::filesystem::path destino_;
