@@ -21,7 +21,7 @@ namespace {
 
 // Starts nothing: the command line launches the tool only when asked to.
 struct SinLanzar : Lanzador {
-  void lanza(const std::vector<std::string>&) override {}
+  std::optional<std::string> lanza(const std::vector<std::string>&) override { return std::nullopt; }
 };
 
 std::vector<std::string> trocea(const std::string& texto, char separador) {
@@ -215,12 +215,21 @@ void preparaPaginaDeOpciones(const Opciones& o, const PaginaIntercambio& cajas, 
   if (o.tiene("--nueva-clave")) pagina.Text11 = cajas.Text11;
 }
 
+// A file of the page's name already in the folder is replaced only with --reemplazar;
+// without it the job stops before any work.
+void rehusaReemplazo(const Opciones& o, const Programa& programa, const PaginaIntercambio& pagina) {
+  if (o.tiene("--reemplazar")) return;
+  if (const auto fichero = ficheroExistente(programa, pagina))
+    throw ErrorTrabajo(std::string("Ya existe ").append(descripcionFichero(*fichero)).append(
+        std::string(": no se reemplaza. Use --reemplazar para reemplazarlo, o --nombre para darle otro nombre."_cp)));
+}
+
 }  // namespace
 
 int ordenFan(const Llamada& llamada) {
   const Opciones o(llamada.argumentos,
                    {"--mes", "--ano", "--empresas", "--clase", "--calificador", "--nombre", "--modo", "--sustituye"},
-                   {"--dev-cta", "--lanzar"});
+                   {"--dev-cta", "--lanzar", "--reemplazar"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   MotorCalculo motor;
@@ -241,6 +250,7 @@ int ordenFan(const Llamada& llamada) {
   const PaginaIntercambio cajas = cajasDeOpciones(o);
 
   preparaPaginaDeOpciones(o, cajas, programa, pagina, true);
+  rehusaReemplazo(o, programa, pagina);
 
   SinLanzar sinLanzar;
   LanzadorDelSistema delSistema;
@@ -290,13 +300,14 @@ int informaFicheros(Programa& programa, const std::vector<std::string>& ficheros
 
 int ordenAfi(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--nombre", "--modo", "--sustituye", "--clave", "--nueva-clave"},
-                   {"--borrar-pendientes"});
+                   {"--borrar-pendientes", "--reemplazar"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   PaginaIntercambio pagina;
   FormulariosAfiliacion formularios(programa, pagina, o.tiene("--borrar-pendientes"));
   const PaginaIntercambio cajas = cajasDeOpciones(o);
   preparaPaginaDeOpciones(o, cajas, programa, pagina, false);
+  rehusaReemplazo(o, programa, pagina);
   SinLanzar sinLanzar;
   Command3(programa, pagina, formularios, sinLanzar, programa.entornoWine);
   programa.termina();

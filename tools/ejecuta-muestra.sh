@@ -1,10 +1,12 @@
 #!/usr/bin/env bash
-# The main job on the sample office: installs what is missing, builds, writes a new
+# The main job on the sample office: installs what is missing, builds the command line
+# (only it: the desktop program and the tests are tools/pruebas.sh's), writes a new
 # sample office into build/oficina and runs the command line on it.
 set -euo pipefail
 raiz=$(cd "$(dirname "$0")/.." && pwd)
 "$raiz/tools/instala-dependencias.sh"
-"$raiz/tools/compila.sh"
+echo "Compilando valdor-cli..."
+"$raiz/tools/compila.sh" valdor-cli
 
 cli="$raiz/build/valdor-cli"
 oficina="$raiz/build/oficina"
