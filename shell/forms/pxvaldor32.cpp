@@ -163,8 +163,6 @@ void PXVALDOR32::construye() {
   SSPanel2_->setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
   Text8_ = caja("Text8", static_cast<int>(ANCHONOMBREFICHERO), SSPanel2_);
   Text8_->installEventFilter(this);
-  // Enter in a box of the type panel accepts, as "&Aceptar" would; the name rule first.
-  for (QLineEdit* c : {Text8_, Text10_, Text11_}) connect(c, &QLineEdit::returnPressed, this, &PXVALDOR32::pulsaIntro);
   Label10_ = valor("Label10", 4, SSPanel2_);
   Label12_ = valor("Label12", 8, SSPanel2_);
   Label13_ = valor("Label13", 4, SSPanel2_);
@@ -174,6 +172,8 @@ void PXVALDOR32::construye() {
   Text11_ = caja("Text11", static_cast<int>(ANCHOCLAVEAFI), SSPanel2_);
   Label16_->setBuddy(Text10_);
   Label17_->setBuddy(Text11_);
+  // Enter in a box of the type panel accepts, as "&Aceptar" would; the name rule first.
+  for (QLineEdit* c : {Text8_, Text10_, Text11_}) connect(c, &QLineEdit::returnPressed, this, &PXVALDOR32::pulsaIntro);
   auto* rejilla = new QGridLayout(SSPanel2_);
   rejilla->setHorizontalSpacing(10);
   rejilla->setVerticalSpacing(8);
