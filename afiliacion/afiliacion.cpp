@@ -7,6 +7,7 @@
 #include <map>
 #include <utility>
 
+#include "browser/editor.h"
 #include "fan/empleador.h"
 #include "shell/asistente.h"
 #include "shell/programa.h"
@@ -22,10 +23,10 @@ namespace valdor {
 // ---- Texts and headers ----------------------------------------------------------------------
 
 std::string_view tituloAFILIA() { return "Módulo de afiliación"_cp; }
-std::string_view tituloPendientes() { return "PRODUCTORES PENDIENTES DE AFILIACION"; }
+std::string_view tituloPendientes() { return "PRODUCTORES PENDIENTES DE AFILIACIÓN"_cp; }
 std::string_view preguntaBorrarPendientes() {
   return "Si ha realizado el envío de un fichero de afiliación debería borrar la base de datos de productores "
-         "pendientes de envío. ¿Desea que Dortek borre ahora la base de datos?"_cp;
+         "pendientes de envío. ¿Desea que VALDOR+ borre ahora la base de datos?"_cp;
 }
 std::string_view textoPendientesDelProgramaDeNominas() {
   return "La lista de trabajadores pendientes de afiliación (ACUVALDOR.MDB) es del programa de nóminas: VALDOR+ "
@@ -104,33 +105,6 @@ std::vector<FicheroAfi> repartoAFI(const std::vector<BloqueAfi>& empresas) {
     }
   }
   return ficheros;
-}
-
-namespace {
-
-bool esCifra(char c) { return c >= '0' && c <= '9'; }
-
-// A number written in decimal digits, plus one; one digit more when it was all nines.
-std::string masUno(std::string cifras) {
-  for (std::size_t i = cifras.size(); i-- > 0;) {
-    if (cifras[i] != '9') {
-      ++cifras[i];
-      return cifras;
-    }
-    cifras[i] = '0';
-  }
-  return "1" + cifras;
-}
-
-}  // namespace
-
-std::optional<std::string> nombreSiguiente(std::string_view nombre) {
-  std::size_t inicio = nombre.size();
-  while (inicio > 0 && esCifra(nombre[inicio - 1])) --inicio;
-  const std::string cuenta = inicio == nombre.size() ? std::string("1") : masUno(std::string(nombre.substr(inicio)));
-  if (nombre.empty() || cuenta.size() > nombre.size()) return std::nullopt;
-  const std::size_t ancho = std::max<std::size_t>(cuenta.size(), nombre.size() - inicio);
-  return std::string(nombre.substr(0, nombre.size() - ancho)) + llenaIzq(cuenta, ancho, '0');
 }
 
 // ---- The worker's columns -----------------------------------------------------------------
@@ -541,9 +515,7 @@ std::vector<std::string> nombresDeFicheros(const Programa& programa, const Pagin
   std::optional<std::string> nombre = nombres.front();
   while (nombres.size() < n && (nombre = nombreSiguiente(*nombre))) {
     const std::string ruta = rutaFicheroAFI(programa.g.RUTAWS, paginaDeFichero(pagina, *nombre));
-    std::error_code ec;
-    if (std::find(propios.begin(), propios.end(), ruta) != propios.end() ||
-        !fs::exists(rutaNativa(ruta, programa.entornoWine), ec))
+    if (std::find(propios.begin(), propios.end(), ruta) != propios.end() || !ficheroPresente(ruta, programa.entornoWine))
       nombres.push_back(*nombre);
   }
   return nombres;
@@ -561,27 +533,36 @@ std::string textoVariosFicheros(const AFILIA& afi, const std::vector<std::string
   return texto;
 }
 
-// The lines of one file: its two label lines, the block of each of its companies, its
-// trailer. `alTrabajador` is told after each worker.
-void imprimeFicheroAfi(FicheroRegistros& fichero, const AFILIA& afi, const FicheroAfi& contenido,
-                       std::string_view ETI, std::string_view SIL, std::string_view pie,
+// The lines of one file in order, each told to `registro` with where it comes from: its
+// two label lines, the block of each of its companies, its trailer. `alTrabajador` is
+// told after each worker.
+void recorreFicheroAfi(const AFILIA& afi, const FicheroAfi& contenido, std::string_view ETI, std::string_view SIL,
+                       std::string_view pie, const std::function<void(std::string_view, std::string_view)>& registro,
                        const std::function<void()>& alTrabajador) {
-  fichero.imprimeRegistro(ETI, "ETI, la cabecera del fichero,");
-  fichero.imprimeRegistro(SIL, "SIL, la de las claves,");
+  registro(ETI, "ETI, la cabecera del fichero,");
+  registro(SIL, "SIL, la de las claves,");
   for (const BloqueAfi& b : contenido.bloques) {
     const std::string empresa = " de la empresa " + recorta(medio(afi.LINEASEMP[b.empresa], 8, 11));
-    fichero.imprimeRegistro(afi.LINEASEMP[b.empresa], "EMP" + empresa);
-    fichero.imprimeRegistro(afi.LINEASRZS[b.empresa], "RZS" + empresa);
+    registro(afi.LINEASEMP[b.empresa], "EMP" + empresa);
+    registro(afi.LINEASRZS[b.empresa], "RZS" + empresa);
     for (const std::size_t j : b.trabajadores) {
       const std::string trabajador = " del trabajador " + recorta(afi.GRID1[j][1]) + " de la empresa " +
                                      recorta(afi.GRID1[j][0]);
       for (const LineasAfi* l :
            {&afi.LINEASTRA, &afi.LINEASAYN, &afi.LINEASDOM, &afi.LINEASLDD, &afi.LINEASFAB, &afi.LINEASDAM})
-        fichero.imprimeRegistro((*l)[j], izquierda((*l)[j], 3) + trabajador);
+        registro((*l)[j], izquierda((*l)[j], 3) + trabajador);
       alTrabajador();
     }
   }
-  fichero.imprimeRegistro(pie, "ETF, el pie del fichero,");
+  registro(pie, "ETF, el pie del fichero,");
+}
+
+void imprimeFicheroAfi(FicheroRegistros& fichero, const AFILIA& afi, const FicheroAfi& contenido,
+                       std::string_view ETI, std::string_view SIL, std::string_view pie,
+                       const std::function<void()>& alTrabajador) {
+  recorreFicheroAfi(
+      afi, contenido, ETI, SIL, pie,
+      [&](std::string_view linea, std::string_view donde) { fichero.imprimeRegistro(linea, donde); }, alTrabajador);
 }
 
 // Every file of the run written whole beside its name, then all of them put under their
@@ -668,6 +649,26 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
     formularios.EDITOR();
   }
   return rutas;
+}
+
+std::optional<std::string> avisoAntesDeGenerar(const Programa& programa, const PaginaIntercambio& pagina,
+                                               const AFILIA& afi) {
+  std::string aviso;
+  if (recorta(pagina.Text10).empty())
+    aviso = std::string("La clave (Clave) de la línea SIL está en blanco.\n"_cp);
+  for (std::size_t k = 0; k < afi.ficheros.size(); ++k) {
+    std::vector<std::string> lineas;
+    recorreFicheroAfi(
+        afi, afi.ficheros[k], programa.g.LINEAETI, programa.g.LINEASIL, pieDeFichero(pagina, afi.pie, afi.ficheros[k]),
+        [&](std::string_view linea, std::string_view) { lineas.emplace_back(linea); }, [] {});
+    if (const auto faltas = faltasDeLineas(lineas, TipoIntercambio::AFI)) {
+      aviso.append(std::string("Las líneas del fichero"_cp));
+      if (afi.ficheros.size() > 1) aviso.append(" ").append(std::to_string(k + 1));
+      aviso.append(std::string(" no pasan la revisión:\n"_cp)).append(*faltas);
+    }
+  }
+  if (aviso.empty()) return std::nullopt;
+  return aviso.append(std::string("\n¿Desea generar el fichero de todos modos?"_cp));
 }
 
 void BORRAMETODOSREG(Programa& programa, const std::vector<ClavePendiente>& enviados) {

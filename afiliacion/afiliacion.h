@@ -66,13 +66,6 @@ struct FicheroAfi {
 // each part. A company without workers goes into none.
 std::vector<FicheroAfi> repartoAFI(const std::vector<BloqueAfi>& empresas);
 
-// The name of the file that follows `nombre` among the files of one run: the digits at
-// the end of the name, read as a number, count up by one and keep their width
-// (F1511260, F1511261, ...); when the count needs one more digit it takes the place of
-// the character before them (SEGUNDO9, SEGUND10); a name that does not end in a digit
-// has its last character replaced by the count (INFORMES, INFORME1). std::nullopt when
-// the name is all digits and cannot count further (99999999).
-std::optional<std::string> nombreSiguiente(std::string_view nombre);
 
 // The parts of the trailer fixed when the list is loaded: the two keys of the settings
 // and the moment (yyyymmdd, hhmm). Each file's trailer is made of them.
@@ -179,6 +172,13 @@ std::string textoNadaQueEnviar(const AFILIA& afi);
 // `afi.escritos` with the keys of their pending rows in `afi.enviados`.
 std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi,
                                         FormulariosIntercambio& formularios);
+
+// What "&Generar Fichero" asks about before it writes, as the editor checks a file: a
+// blank key (Clave) of the SIL line, and the findings of the editor's check on the lines
+// of each file (their length, their segment, the trailer's counts). std::nullopt when
+// nothing is amiss.
+std::optional<std::string> avisoAntesDeGenerar(const Programa& programa, const PaginaIntercambio& pagina,
+                                               const AFILIA& afi);
 
 // Deletes from VALDORTA the rows of `enviados` (the user says the files that carried
 // them were sent), in one transaction, and says how many were deleted and how many

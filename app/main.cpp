@@ -153,7 +153,7 @@ int main(int argc, char** argv) {
     if (e.salida == SALIDALLAMADA)
       std::cerr << USO;
     else if (QGuiApplication::platformName() != QLatin1String("offscreen"))
-      QMessageBox::critical(nullptr, QStringLiteral("Valdor Plus"), e.texto);
+      QMessageBox::critical(nullptr, QStringLiteral("VALDOR+"), e.texto);
     return e.salida;
   }
 

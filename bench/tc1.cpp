@@ -32,6 +32,7 @@ class DialogosDeBanco : public valdor::Dialogos {
     std::cerr << valdor::cp1252AUtf8(titulo) << ": " << valdor::cp1252AUtf8(texto) << '\n';
   }
   bool pregunta(std::string_view, std::string_view, bool noPorDefecto) override { return !noPorDefecto; }
+  valdor::Guardado preguntaGuardar(std::string_view, std::string_view) override { return valdor::Guardado::Cancelar; }
   std::optional<std::string> entrada(std::string_view, std::string_view) override { return std::nullopt; }
   void progreso(int, std::string_view, std::string_view) override {}
   void puntero(valdor::Puntero) override {}

@@ -245,4 +245,96 @@ std::vector<std::string> informeRevision(const std::vector<std::string>& lineas,
   return informe;
 }
 
+std::optional<std::string> faltasDeLineas(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
+  RevisionFichero revision(tipo);
+  std::vector<std::string> faltas;
+  for (const std::string& l : lineas) {
+    if (recorta(l).empty()) continue;
+    const auto f = revision.revisa(LineaLeida{l, l.size(), FinDeLinea::CRLF});
+    faltas.insert(faltas.end(), f.begin(), f.end());
+  }
+  if (!revision.cuentas().cuadran()) {
+    const auto cierre = revision.cierre();
+    faltas.insert(faltas.end(), cierre.begin(), cierre.end());
+  }
+  if (faltas.empty()) return std::nullopt;
+  constexpr std::size_t MOSTRADAS = 15;
+  std::string texto;
+  for (std::size_t i = 0; i < std::min(MOSTRADAS, faltas.size()); ++i) texto.append(faltas[i]).append("\n");
+  if (faltas.size() > MOSTRADAS)
+    texto.append("... y ").append(std::to_string(faltas.size() - MOSTRADAS)).append(std::string(" más.\n"_cp));
+  return texto;
+}
+
+std::optional<std::string> avisoAlGuardar(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
+  const auto faltas = faltasDeLineas(lineas, tipo);
+  if (!faltas) return std::nullopt;
+  return std::string("El fichero no pasa la revisión:\n"_cp)
+      .append(*faltas)
+      .append(std::string("\n¿Desea guardarlo así de todos modos?"_cp));
+}
+
+// ---- How a line's bytes are shown and how typed text becomes bytes -------------------------
+
+namespace {
+
+enum class Escritura { TablaYMayusculas, MayusculasYTabla };
+
+struct CampoAcentos {
+  TipoIntercambio tipo;
+  std::string_view segmento;
+  std::size_t desde;  // 0-based
+  std::size_t ancho;
+  Escritura escritura;
+};
+
+constexpr CampoAcentos CAMPOSACENTOS[] = {
+    {TipoIntercambio::FAN, "RZS", 5, 55, Escritura::TablaYMayusculas},
+    {TipoIntercambio::AFI, "RZS", 5, 55, Escritura::TablaYMayusculas},
+    {TipoIntercambio::FAN, "AYN", 3, 20, Escritura::MayusculasYTabla},
+    {TipoIntercambio::FAN, "AYN", 23, 20, Escritura::MayusculasYTabla},
+    {TipoIntercambio::FAN, "TRA", 36, 25, Escritura::MayusculasYTabla},
+};
+
+// Each field of the accent table that `linea` has (by its kind and segment) and reaches.
+template <typename F>
+void recorreCampos(std::string_view linea, TipoIntercambio tipo, F&& hacer) {
+  for (const CampoAcentos& c : CAMPOSACENTOS)
+    if (c.tipo == tipo && linea.substr(0, 3) == c.segmento && linea.size() > c.desde) hacer(c);
+}
+
+// The line in Windows-1252 letters: the fields of the table through its way back.
+std::string letrasDeLinea(std::string_view linea, TipoIntercambio tipo) {
+  std::string letras(linea);
+  recorreCampos(linea, tipo, [&](const CampoAcentos& c) {
+    const std::string_view campo = linea.substr(c.desde, c.ancho);
+    letras.replace(c.desde, campo.size(), PONACENTOS(campo));
+  });
+  return letras;
+}
+
+std::string escribeCampo(std::string_view texto, Escritura escritura) {
+  return escritura == Escritura::TablaYMayusculas ? mayusculas(QUITAACENTOS(texto)) : QUITAACENTOS(mayusculas(texto));
+}
+
+}  // namespace
+
+std::string lineaParaMostrar(std::string_view linea, TipoIntercambio tipo) {
+  return cp1252AUtf8(letrasDeLinea(linea, tipo));
+}
+
+std::string lineaTecleada(std::string_view anterior, std::string_view tecleada, TipoIntercambio tipo) {
+  const std::string mostrada = letrasDeLinea(anterior, tipo);
+  std::string bytes = utf8ACp1252(tecleada);
+  if (bytes == mostrada) return std::string(anterior);
+  const std::string letras = bytes;
+  recorreCampos(letras, tipo, [&](const CampoAcentos& c) {
+    const std::string_view campo = std::string_view(letras).substr(c.desde, c.ancho);
+    const bool igual = anterior.substr(0, 3) == c.segmento && mostrada.size() >= c.desde + campo.size() &&
+                       std::string_view(mostrada).substr(c.desde, campo.size()) == campo;
+    bytes.replace(c.desde, campo.size(), igual ? anterior.substr(c.desde, campo.size()) : escribeCampo(campo, c.escritura));
+  });
+  return bytes;
+}
+
 }  // namespace valdor

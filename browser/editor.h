@@ -139,4 +139,34 @@ class RevisionFichero {
 // The whole check of lines held in memory, each taken as ended by CR LF.
 std::vector<std::string> informeRevision(const std::vector<std::string>& lineas, TipoIntercambio tipo);
 
+// What of `lineas` fails the check, as a save writes them (no blank lines, each ended by
+// CR LF, numbered as in the saved file): the findings of each line and the trailer's
+// counts when they do not tally, one a line, the first 15 and how many more.
+// std::nullopt when all is right.
+std::optional<std::string> faltasDeLineas(const std::vector<std::string>& lineas, TipoIntercambio tipo);
+// The editor's warning before it saves lines that fail the check: the findings, and
+// whether to save all the same.
+std::optional<std::string> avisoAlGuardar(const std::vector<std::string>& lineas, TipoIntercambio tipo);
+
+// ---- How a line's bytes are shown and how typed text becomes bytes -----------------------
+//
+// A line holds two character sets, field by field, as the writers make them. The text
+// fields that their writer passes through the DOS accent table (QUITAACENTOS) are:
+//   RZS, positions 6-60, the company name (FAN and AFI): the table, then capitals;
+//   AYN, positions 4-23 and 24-43, the two surnames (FAN): capitals, then the table;
+//   TRA, positions 37-61, the description of the work centre (FAN): capitals, then the table.
+// Their bytes are shown as the letters the table's bytes stand for (PONACENTOS), and text
+// typed into them is written as their writer writes it. Every other byte of a file, also
+// every byte of a file of another kind, is Windows-1252.
+
+// The line as the screen shows it, in UTF-8.
+std::string lineaParaMostrar(std::string_view linea, TipoIntercambio tipo);
+
+// The bytes of a line typed (UTF-8) over the line `anterior` (its bytes): a field of the
+// accent table whose shown text the typing left as it was keeps its bytes; one that it
+// changed is written as its writer writes it; every other character is Windows-1252 (a
+// character without a Windows-1252 form becomes "?"). A line typed as it was shown gives
+// back `anterior` byte for byte.
+std::string lineaTecleada(std::string_view anterior, std::string_view tecleada, TipoIntercambio tipo);
+
 }  // namespace valdor

@@ -24,7 +24,9 @@ constexpr std::string_view NOMBREMODO = R"(  --nombre N        nombre del ficher
                     cifras, guion (-) o guion bajo (_); uno corto se completa con ceros
                     (ABC pasa a ABC00000). No vale un nombre reservado de Windows (CON,
                     PRN, AUX, NUL, COM1 a COM9, LPT1 a LPT9). Por omisión, F y el día,
-                    mes, año y hora
+                    mes, año y hora, o el primer nombre libre que le sigue (F1511261...)
+  --reemplazar      reemplaza un fichero de ese nombre que ya esté en la carpeta; sin
+                    ella, la orden se niega a reemplazarlo y acaba con 1
   --modo M          normal, pruebas o sustitucion
   --sustituye AA,MM,S,EEEEE,DDDD
                     el envío que se sustituye: año (1 o 2 cifras, no 0), mes (de 1 a 12),
@@ -67,7 +69,7 @@ const std::array<Orden, 8>& ordenes() {
        true, false, ""},
       {"fan", R"(  fan      [--mes M --ano A] [--empresas C1,C2,...] [--clase L00] [--calificador 00]
            [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
-           [--dev-cta] [--lanzar] [--estricto]
+           [--dev-cta] [--lanzar] [--reemplazar] [--estricto]
            escribe el fichero de cotización .FAN; sin --empresas, todas las del mes;
            la última línea es la ruta del fichero
 )"_cp,
@@ -77,11 +79,12 @@ const std::array<Orden, 8>& ordenes() {
   --clase L00       clase de liquidación de la pantalla de selección (L00, L01, ..., TP2)
   --calificador 00  calificador de la liquidación (00 a 10)
   --dev-cta         añade la línea DBA de «Dev. en Cta.» a cada empresa
-  --lanzar          arranca WINSUITE al terminar
+  --lanzar          arranca WINSUITE al terminar; si no arranca, dice qué se intentó
+                    y por qué falló, y acaba con 1
   --estricto        no escribe el fichero si la revisión de sus campos encuentra algo
 )"_cp},
       {"afi", R"(  afi      [--nombre N] [--modo normal|pruebas|sustitucion] [--sustituye AA,MM,S,EEEEE,DDDD]
-           [--clave V] [--nueva-clave V] [--borrar-pendientes] [--estricto]
+           [--clave V] [--nueva-clave V] [--borrar-pendientes] [--reemplazar] [--estricto]
            escribe los ficheros de afiliación .AFI de los trabajadores pendientes; con
            --borrar-pendientes borra después los pendientes que van en ellos
 )"_cp,

@@ -21,6 +21,8 @@ class DialogosConsola : public Dialogos {
 
   void mensaje(std::string_view titulo, std::string_view texto, Icono icono) override;
   bool pregunta(std::string_view titulo, std::string_view texto, bool noPorDefecto) override;
+  // The command line edits nothing: nothing is saved or dropped on its word.
+  Guardado preguntaGuardar(std::string_view, std::string_view) override { return Guardado::Cancelar; }
   std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override;
   void progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) override;
   void puntero(Puntero) override {}

@@ -22,7 +22,7 @@ namespace {
 
 // Starts nothing: the command line launches the tool only when asked to.
 struct SinLanzar : Lanzador {
-  void lanza(const std::vector<std::string>&) override {}
+  std::optional<std::string> lanza(const std::vector<std::string>&) override { return std::nullopt; }
 };
 
 std::vector<std::string> trocea(const std::string& texto, char separador) {
@@ -230,12 +230,21 @@ RevisionEscrito revisionDeEscritos(bool estricto, std::optional<PeriodoFichero> 
   };
 }
 
+// A file of the page's name already in the folder is replaced only with --reemplazar;
+// without it the job stops before any work.
+void rehusaReemplazo(const Opciones& o, const Programa& programa, const PaginaIntercambio& pagina) {
+  if (o.tiene("--reemplazar")) return;
+  if (const auto fichero = ficheroExistente(programa, pagina))
+    throw ErrorTrabajo(std::string("Ya existe ").append(descripcionFichero(*fichero)).append(
+        std::string(": no se reemplaza. Use --reemplazar para reemplazarlo, o --nombre para darle otro nombre."_cp)));
+}
+
 }  // namespace
 
 int ordenFan(const Llamada& llamada) {
   const Opciones o(llamada.argumentos,
                    {"--mes", "--ano", "--empresas", "--clase", "--calificador", "--nombre", "--modo", "--sustituye"},
-                   {"--dev-cta", "--lanzar", "--estricto"});
+                   {"--dev-cta", "--lanzar", "--reemplazar", "--estricto"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   MotorCalculo motor;
@@ -256,6 +265,7 @@ int ordenFan(const Llamada& llamada) {
   const PaginaIntercambio cajas = cajasDeOpciones(o);
 
   preparaPaginaDeOpciones(o, cajas, programa, pagina, true);
+  rehusaReemplazo(o, programa, pagina);
   programa.revisaEscrito = revisionDeEscritos(o.tiene("--estricto"), PeriodoFichero{formularios.ano, formularios.mes});
 
   SinLanzar sinLanzar;
@@ -306,13 +316,14 @@ int informaFicheros(Programa& programa, const std::vector<std::string>& ficheros
 
 int ordenAfi(const Llamada& llamada) {
   const Opciones o(llamada.argumentos, {"--nombre", "--modo", "--sustituye", "--clave", "--nueva-clave"},
-                   {"--borrar-pendientes", "--estricto"});
+                   {"--borrar-pendientes", "--reemplazar", "--estricto"});
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   PaginaIntercambio pagina;
   FormulariosAfiliacion formularios(programa, pagina, o.tiene("--borrar-pendientes"));
   const PaginaIntercambio cajas = cajasDeOpciones(o);
   preparaPaginaDeOpciones(o, cajas, programa, pagina, false);
+  rehusaReemplazo(o, programa, pagina);
   programa.revisaEscrito = revisionDeEscritos(o.tiene("--estricto"));
   SinLanzar sinLanzar;
   Command3(programa, pagina, formularios, sinLanzar, programa.entornoWine);

@@ -23,6 +23,10 @@ class DialogosDelAdelanto : public Dialogos {
     hablo = true;
     return false;
   }
+  Guardado preguntaGuardar(std::string_view, std::string_view) override {
+    hablo = true;
+    return Guardado::Cancelar;
+  }
   std::optional<std::string> entrada(std::string_view, std::string_view) override {
     hablo = true;
     return std::nullopt;

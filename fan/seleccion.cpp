@@ -33,7 +33,7 @@ std::vector<EmpresaDelMes> empresasDelMes(Almacenes& almacenes, int mes, int ano
 
 std::string_view textoAyudaSeleccion() {
   return "Seleccione el mes y año de proceso y a continuación pinche sobre el botón VERIFICAR EMPRESAS con "
-         "el fín de que el programa muestre aquellas que contienen nóminas calculadas."_cp;
+         "el fin de que el programa muestre aquellas que contienen nóminas calculadas."_cp;
 }
 std::string_view textoAyudaEmpresas() {
   return "Seleccione las empresas que desee procesar o marque la opción seleccionar todas. A continuación "
@@ -42,7 +42,7 @@ std::string_view textoAyudaEmpresas() {
 std::string_view textoSinEmpresas() {
   return "Para iniciar el proceso del fichero debe seleccionar al menos una empresa.";
 }
-std::string_view tituloSinEmpresas() { return "Valdor Plus"; }
+std::string_view tituloSinEmpresas() { return "VALDOR+"; }
 
 const std::vector<std::string>& COTIZACION::meses() {
   static const std::vector<std::string> lista = [] {

@@ -43,7 +43,7 @@ struct FilaEmpresa {
 std::string_view textoAyudaSeleccion();   // the wizard's help line at the load
 std::string_view textoAyudaEmpresas();    // the wizard's help line after VERIFICAR EMPRESAS
 std::string_view textoSinEmpresas();      // "Procesar" with no company marked
-std::string_view tituloSinEmpresas();     // "Valdor Plus"
+std::string_view tituloSinEmpresas();     // "VALDOR+"
 
 struct COTIZACION {
   // The lists, in their order: "01".."12"; " 1901".." 2100" (each with a leading blank);

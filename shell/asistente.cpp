@@ -1,5 +1,8 @@
 #include "shell/asistente.h"
 
+#include <algorithm>
+#include <chrono>
+#include <ctime>
 #include <system_error>
 
 #include "shell/programa.h"
@@ -16,9 +19,9 @@ namespace fs = std::filesystem;
 std::string_view textoBienvenida() {
   return "Bienvenido al asistente para la remisión electrónica de documentos a la Seguridad Social. Por "
          "favor, indique en la barra superior si desea realizar un proceso de envío normal, en pruebas o de "
-         "sustitución de otro. En este último caso deberá indicar el año, mes y numeros de serie, envío y "
-         "documento que sutituye. Una vez ultimado este proceso marque en la barra de opciones si desea "
-         "remitir un mensaje de cotización (FAN) o uno de afiliación (AFI)"_cp;
+         "sustitución de otro. En este último caso deberá indicar el año, el mes y los números de serie, envío "
+         "y documento del envío que sustituye. Una vez ultimado este proceso marque en la barra de opciones si desea "
+         "remitir un mensaje de cotización (FAN) o uno de afiliación (AFI)."_cp;
 }
 std::string_view textoReferencia() {
   return "Indique la referencia del control de intercambio. (Nombre del fichero que se generará para el "
@@ -26,32 +29,32 @@ std::string_view textoReferencia() {
          "longitud de 8 caracteres."_cp;
 }
 std::string_view textoVerificarFan() {
-  return "Ahora puede verificar la sintaxis de su fichero fan. Si lo desea puede abrir el editor para "
+  return "Ahora puede verificar la sintaxis de su fichero FAN. Si lo desea puede abrir el editor para "
          "realizar variaciones."_cp;
 }
 std::string_view textoActivaWinsuite() {
   return "El asistente activará ahora el programa WINSUITE para la validación del envío en la ruta "_cp;
 }
-std::string_view tituloNombreNoValido() { return "NOMBRE DE FICHERO NO VALIDO"; }
+std::string_view tituloNombreNoValido() { return "NOMBRE DE FICHERO NO VÁLIDO"_cp; }
 std::string_view textoNombreNoValido() {
   return "El nombre del fichero de intercambio no puede estar en blanco. Debe tener una longitud de ocho "
          "caracteres.";
 }
-std::string_view tituloExcluidas() { return "Dortek.- Sistema Red"; }
+std::string_view tituloExcluidas() { return "VALDOR+ - Sistema RED"; }
 std::string_view textoLineaLarga() {
   return "Algunas líneas de trabajadores pasaban de 70 caracteres y se han cortado al guardarlas. Revise el "
          "fichero con el editor antes de enviarlo: un nombre, un documento o un convenio demasiado largos en "
          "los datos de la nómina pueden ser la causa."_cp;
 }
 std::string_view textoExcluidas() {
-  return "Algunas empresas no cumplen los requisito necesarios para procesar el fichero y su posterior "
-         "envio a la seguridad social.";
+  return "Algunas empresas no cumplen los requisitos necesarios para procesar el fichero y su posterior "
+         "envío a la Seguridad Social."_cp;
 }
 std::string_view preguntaEditarFan() {
-  return "El asistente ha terminado de preparar su fichero .FAN ¿Desea editar el fichero para verificar su "
+  return "El asistente ha terminado de preparar su fichero .FAN. ¿Desea editar el fichero para verificar su "
          "sintaxis?"_cp;
 }
-std::string_view tituloValdor() { return "Valdor Plus"; }
+std::string_view tituloValdor() { return "VALDOR+"; }
 
 // ---- The page -------------------------------------------------------------------------
 
@@ -102,6 +105,22 @@ namespace {
 
 std::string dosCifras(int n) { return llenaIzq(std::to_string(n), 2, '0'); }
 
+// The page's name, or the first name after it whose file is not in the folder.
+void primerNombreLibre(const Programa& programa, PaginaIntercambio& pagina) {
+  if (nombreIntercambioRechazado(pagina.Text8)) return;
+  std::optional<std::string> nombre = recorta(pagina.Text8);
+  PaginaIntercambio prueba = pagina;
+  prueba.alCambiarGuia = nullptr;
+  while (nombre) {
+    prueba.Text8 = *nombre;
+    if (!ficheroExistente(programa, prueba)) {
+      pagina.Text8 = *nombre;
+      return;
+    }
+    nombre = nombreSiguiente(*nombre);
+  }
+}
+
 }  // namespace
 
 void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacion) {
@@ -120,6 +139,7 @@ void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacio
     programa.g.PASOASISTENTE = 2;
   }
   pagina.Text8 = reglaNombre(pagina.Text8);
+  primerNombreLibre(programa, pagina);
 }
 
 std::string reglaNombre(std::string_view nombre) {
@@ -164,6 +184,95 @@ std::optional<std::string> nombreIntercambioRechazado(std::string_view nombre) {
          motivo +
          ". Ha de tener de 1 a 8 caracteres, solo letras de la A a la Z, cifras, guion (-) o guion bajo (_), y no "
          "puede ser un nombre reservado de Windows (CON, PRN, AUX, NUL, COM1 a COM9, LPT1 a LPT9).";
+}
+
+bool paginaLista(const PaginaIntercambio& pagina) {
+  return (pagina.Option1Cotizacion || pagina.Option1Afiliacion) && !nombreIntercambioRechazado(pagina.Text8);
+}
+
+// ---- Free names and the files already there -----------------------------------------------
+
+namespace {
+
+bool esCifra(char c) { return c >= '0' && c <= '9'; }
+
+// A number written in decimal digits, plus one; one digit more when it was all nines.
+std::string masUno(std::string cifras) {
+  for (std::size_t i = cifras.size(); i-- > 0;) {
+    if (cifras[i] != '9') {
+      ++cifras[i];
+      return cifras;
+    }
+    cifras[i] = '0';
+  }
+  return "1" + cifras;
+}
+
+}  // namespace
+
+std::optional<std::string> nombreSiguiente(std::string_view nombre) {
+  std::size_t inicio = nombre.size();
+  while (inicio > 0 && esCifra(nombre[inicio - 1])) --inicio;
+  const std::string cuenta = inicio == nombre.size() ? std::string("1") : masUno(std::string(nombre.substr(inicio)));
+  if (nombre.empty() || cuenta.size() > nombre.size()) return std::nullopt;
+  const std::size_t ancho = std::max<std::size_t>(cuenta.size(), nombre.size() - inicio);
+  return std::string(nombre.substr(0, nombre.size() - ancho)) + llenaIzq(cuenta, ancho, '0');
+}
+
+bool ficheroPresente(std::string_view ruta, const EntornoWine& entorno) {
+  std::error_code ec;
+  return fs::exists(rutaNativa(ruta, entorno), ec);
+}
+
+namespace {
+
+// The moment of a file's last change in local time, "dd/mm/aaaa a las hh:mm".
+std::string modificacion(const fs::path& fichero) {
+  std::error_code ec;
+  const fs::file_time_type cuando = fs::last_write_time(fichero, ec);
+  if (ec) return "";
+  const auto sistema = std::chrono::time_point_cast<std::chrono::system_clock::duration>(
+      std::chrono::file_clock::to_sys(cuando));
+  const std::time_t t = std::chrono::system_clock::to_time_t(sistema);
+  std::tm local{};
+  if (!::localtime_r(&t, &local)) return "";
+  return dosCifras(local.tm_mday) + "/" + dosCifras(local.tm_mon + 1) + "/" + std::to_string(local.tm_year + 1900) +
+         " a las " + dosCifras(local.tm_hour) + ":" + dosCifras(local.tm_min);
+}
+
+// A count of bytes with a point every three digits, as Spanish writes it.
+std::string conMillares(std::uintmax_t n) {
+  std::string cifras = std::to_string(n);
+  for (std::size_t i = cifras.size(); i > 3; i -= 3) cifras.insert(i - 3, ".");
+  return cifras;
+}
+
+}  // namespace
+
+std::optional<FicheroExistente> ficheroExistente(const Programa& programa, const PaginaIntercambio& pagina) {
+  if (recorta(programa.g.RUTAWS).empty() || nombreIntercambioRechazado(pagina.Text8)) return std::nullopt;
+  // The folder of the page's kind: the AFI writer's path names it for both kinds.
+  const std::string ruta = rutaFicheroAFI(programa.g.RUTAWS, pagina);
+  const fs::path nativa = rutaNativa(ruta, programa.entornoWine);
+  std::error_code ec;
+  if (!fs::exists(nativa, ec)) return std::nullopt;
+  const std::uintmax_t bytes = fs::file_size(nativa, ec);
+  return FicheroExistente{ruta, ec ? 0 : bytes, modificacion(nativa)};
+}
+
+std::string descripcionFichero(const FicheroExistente& fichero) {
+  std::string texto = std::string("el fichero ").append(fichero.ruta).append(", de ").append(conMillares(fichero.bytes));
+  texto.append(" bytes");
+  if (!fichero.modificado.empty()) texto.append(", modificado el ").append(fichero.modificado);
+  return texto;
+}
+
+bool reemplazoConsentido(Programa& programa, const PaginaIntercambio& pagina) {
+  const auto fichero = ficheroExistente(programa, pagina);
+  if (!fichero) return true;
+  const std::string pregunta = std::string("Ya existe ").append(descripcionFichero(*fichero)).append(
+      std::string(". Si todavía no lo ha enviado, al reemplazarlo se pierde. ¿Desea reemplazarlo?"_cp));
+  return programa.dialogos().pregunta(tituloValdor(), pregunta, true);
 }
 
 std::string referenciaSustitucion(const PaginaIntercambio& pagina) {
@@ -225,12 +334,18 @@ void lanzaWinsuite(Programa& programa, Lanzador& lanzador, const EntornoWine& en
   FicheroAjustes fichero(programa.carpetas().trabajo);
   fichero.lee(programa.registro);
   programa.g.LANZADOR = programa.registro.RUTAWINSUITE;
-  if (!recorta(programa.g.LANZADOR).empty()) lanzador.lanza(ordenDeArranque(programa.g.LANZADOR, {}, entorno));
+  if (!recorta(programa.g.LANZADOR).empty()) arrancaHerramienta(programa, programa.g.LANZADOR, lanzador, entorno);
+}
+
+void arrancaHerramienta(Programa& programa, std::string_view ruta, Lanzador& lanzador, const EntornoWine& entorno) {
+  const std::vector<std::string> orden = ordenDeArranque(ruta, {}, entorno);
+  if (const auto motivo = lanzador.lanza(orden))
+    programa.dialogos().mensaje(tituloValdor(), textoFalloArranque(ruta, orden, *motivo), Icono::Critico);
 }
 
 std::optional<std::filesystem::path> destinoIntercambio(Programa& programa, const std::string& ruta) {
   if (recorta(programa.g.RUTAWS).empty()) {
-    programa.dialogos().mensaje("RUTA NO VALIDA PARA WINSUITE",
+    programa.dialogos().mensaje("RUTA NO VÁLIDA PARA WINSUITE"_cp,
                                 "Debe indicar una ruta válida para el fichero WINSUITE. Pinche sobre la lupa para "
                                 "seleccionar la ubicación del fichero."_cp,
                                 Icono::Exclamacion);
@@ -282,7 +397,7 @@ void fan2(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio&
   g.LANZADOR = mayusculas(recorta(g.RUTAWS));
   if (dialogos.pregunta(tituloValdor(), preguntaEditarFan()) && !g.LANZADOR.empty()) formularios.EDITOR();
   pagina.ponGuia(std::string(textoActivaWinsuite()) + g.RUTAWS);
-  if (!g.LANZADOR.empty()) lanzador.lanza(ordenDeArranque(g.LANZADOR, {}, entorno));
+  if (!g.LANZADOR.empty()) arrancaHerramienta(programa, g.LANZADOR, lanzador, entorno);
 }
 
 std::vector<std::string> listaCombo1(Programa& programa) {

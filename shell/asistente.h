@@ -6,6 +6,7 @@
 // and call these; every rule of the page lives here.
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <optional>
@@ -28,9 +29,9 @@ std::string_view textoBienvenida();         // Label3 when the page opens
 std::string_view textoReferencia();         // Label3 after "Cotización" or "Afiliación"
 std::string_view textoVerificarFan();       // Label3 after the FAN file is written
 std::string_view textoActivaWinsuite();     // Label3 before the tool starts, the route follows
-std::string_view tituloNombreNoValido();    // "NOMBRE DE FICHERO NO VALIDO"
+std::string_view tituloNombreNoValido();    // "NOMBRE DE FICHERO NO VÁLIDO"
 std::string_view textoNombreNoValido();
-std::string_view tituloExcluidas();         // "Dortek.- Sistema Red"
+std::string_view tituloExcluidas();         // "VALDOR+ - Sistema RED"
 std::string_view textoExcluidas();
 // The warning at the end of a FAN run when a worker's line came out longer than 70
 // characters and was kept cut.
@@ -92,7 +93,9 @@ double pruebaComaDecimal(const Separadores& sistema);
 
 // `fan` and `AFI`: prepare the page for a contribution or an affiliation message at the
 // moment `ahora`: guidance text, extension, the AFI keys shown or hidden, date and time
-// of preparation, the default name "F" + ddmmyyhh cut to 8, and the name rule.
+// of preparation, the default name "F" + ddmmyyhh cut to 8, and the name rule. When a
+// file of the page's kind already stands under that name, the default is the first free
+// name that follows it (nombreSiguiente), so that two runs never meet under one name.
 void preparaPagina(Programa& programa, PaginaIntercambio& pagina, bool cotizacion);
 
 // The name rule: the trimmed name in upper case, filled with "0" on the right up to 8.
@@ -108,6 +111,41 @@ std::string reglaNombre(std::string_view nombre);
 // std::nullopt for a name the folder takes; otherwise the message that refuses it, which
 // says why and states the rule. The desktop wizard and the command line both ask it.
 std::optional<std::string> nombreIntercambioRechazado(std::string_view nombre);
+
+// "&Aceptar" takes the page only when a kind of message (FAN or AFI) is chosen and the
+// name box holds a name the exchange folder takes.
+bool paginaLista(const PaginaIntercambio& pagina);
+
+// ---- Free names and the files already there --------------------------------------------
+
+// The name of the file that follows `nombre` among the files of one run: the digits at
+// the end of the name, read as a number, count up by one and keep their width
+// (F1511260, F1511261, ...); when the count needs one more digit it takes the place of
+// the character before them (SEGUNDO9, SEGUND10); a name that does not end in a digit
+// has its last character replaced by the count (INFORMES, INFORME1). std::nullopt when
+// the name is all digits and cannot count further (99999999).
+std::optional<std::string> nombreSiguiente(std::string_view nombre);
+
+// True when a file stands at `ruta`, a Windows path of the tool's folders, under its name
+// in any case of its letters (as the tool's system finds it).
+bool ficheroPresente(std::string_view ruta, const EntornoWine& entorno);
+
+// A file of the exchange folder that the page's file would replace.
+struct FicheroExistente {
+  std::string ruta;        // its Windows path
+  std::uintmax_t bytes = 0;
+  std::string modificado;  // "dd/mm/aaaa a las hh:mm", local time; empty when unknown
+};
+// The file that stands under the page's name in the folder of its kind; std::nullopt
+// when the name is free (or there is no route to the tool's folders yet).
+std::optional<FicheroExistente> ficheroExistente(const Programa& programa, const PaginaIntercambio& pagina);
+// "el fichero C:\...\F1511260.FAN, de 1.224 bytes, modificado el 15/11/2026 a las 07:30"
+std::string descripcionFichero(const FicheroExistente& fichero);
+
+// Before a page's file is written over a file of the same name, the user is asked (No
+// by default), showing the file's date and size. True when the name is free or the user
+// says to replace it.
+bool reemplazoConsentido(Programa& programa, const PaginaIntercambio& pagina);
 
 // The reference of the replaced send (positions 55 to 68 of the ETI line): Año (2), Mes
 // (2), Serie (trimmed, unfilled), Envío (5), Doc (4), each number by value with zeros on
@@ -152,6 +190,11 @@ std::optional<std::filesystem::path> destinoIntercambio(Programa& programa, cons
 // reading), LANZADOR := RUTAWINSUITE, and when it is not blank start it without
 // arguments. A blank route does nothing and says nothing.
 void lanzaWinsuite(Programa& programa, Lanzador& lanzador, const EntornoWine& entorno);
+
+// Starts the tool at `ruta` (a route as the settings hold it) without arguments. A start
+// that fails is told in a critical box: the route, the command that was run and why it
+// failed.
+void arrancaHerramienta(Programa& programa, std::string_view ruta, Lanzador& lanzador, const EntornoWine& entorno);
 
 // ---- fan2 --------------------------------------------------------------------------------
 

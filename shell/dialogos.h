@@ -12,6 +12,9 @@ namespace valdor {
 
 enum class Icono { Informacion, Pregunta, Exclamacion, Critico };
 
+// The answers to the question before unsaved edits are dropped.
+enum class Guardado { Guardar, Descartar, Cancelar };
+
 // Mouse pointers the rules set: the hourglass (11) and the arrow with hourglass (13).
 enum class Puntero { Normal, Reloj, FlechaReloj };
 
@@ -24,6 +27,9 @@ class Dialogos {
   // A yes/no question; true for yes. `noPorDefecto` marks the second button as the default.
   virtual bool pregunta(std::string_view titulo, std::string_view texto,
                         bool noPorDefecto = false) = 0;
+  // The question before unsaved edits are dropped: "Guardar", "Descartar" or "Cancelar"
+  // (which goes back to the edits; also Escape).
+  virtual Guardado preguntaGuardar(std::string_view titulo, std::string_view texto) = 0;
   // An input box; std::nullopt when cancelled.
   virtual std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) = 0;
   // Progress of a long run: a percentage (0 to 100) and up to two labels.
@@ -42,6 +48,9 @@ class DialogosContados : public Dialogos {
   }
   bool pregunta(std::string_view titulo, std::string_view texto, bool noPorDefecto = false) override {
     return dentro_.pregunta(titulo, texto, noPorDefecto);
+  }
+  Guardado preguntaGuardar(std::string_view titulo, std::string_view texto) override {
+    return dentro_.preguntaGuardar(titulo, texto);
   }
   std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override {
     return dentro_.entrada(titulo, texto);

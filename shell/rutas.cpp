@@ -4,6 +4,7 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <cerrno>
 #include <cstdlib>
 #include <optional>
 #include <system_error>
@@ -63,18 +64,47 @@ std::vector<std::string> ordenDeArranque(std::string_view programa, const std::v
   return orden;
 }
 
-void LanzadorDelSistema::lanza(const std::vector<std::string>& orden) {
-  if (orden.empty()) return;
+namespace {
+
+// Reads the errno that the started process writes when its exec fails; nothing is read
+// (the pipe closes on exec) when the program runs.
+std::optional<int> errorDelArranque(int lectura) {
+  int error = 0;
+  ssize_t leidos = 0;
+  do {
+    leidos = ::read(lectura, &error, sizeof error);
+  } while (leidos < 0 && errno == EINTR);
+  if (leidos == static_cast<ssize_t>(sizeof error)) return error;
+  return std::nullopt;
+}
+
+}  // namespace
+
+std::optional<std::string> LanzadorDelSistema::lanza(const std::vector<std::string>& orden) {
+  if (orden.empty()) return std::string("no hay ninguna orden que ejecutar");
+  if (orden.front() == "wine" && orden.size() > 1) {
+    std::error_code ec;
+    if (!fs::is_regular_file(orden[1], ec)) return "no existe el programa " + entreComillas(orden[1]);
+  }
   std::vector<char*> argv;
   for (const std::string& a : orden) argv.push_back(const_cast<char*>(a.c_str()));
   argv.push_back(nullptr);
+  int tubo[2];
+  if (::pipe2(tubo, O_CLOEXEC) != 0) return razonDelSistema(errno);
   // Two forks: the program runs on its own, nobody waits for it, and no child is left
-  // behind unreaped. Any failure is silent.
+  // behind unreaped. A failed exec writes its errno into the pipe.
   const pid_t hijo = ::fork();
-  if (hijo < 0) return;
+  if (hijo < 0) {
+    const int error = errno;
+    ::close(tubo[0]);
+    ::close(tubo[1]);
+    return razonDelSistema(error);
+  }
   if (hijo == 0) {
+    ::close(tubo[0]);
     ::setsid();
-    if (::fork() == 0) {
+    const pid_t nieto = ::fork();
+    if (nieto == 0) {
       const int nulo = ::open("/dev/null", O_RDWR);
       if (nulo >= 0) {
         ::dup2(nulo, 0);
@@ -83,10 +113,27 @@ void LanzadorDelSistema::lanza(const std::vector<std::string>& orden) {
       }
       ::execvp(argv[0], argv.data());
     }
-    ::_exit(0);
+    if (nieto > 0) ::_exit(0);
+    // Here the exec (or the second fork) failed.
+    const int error = errno;
+    [[maybe_unused]] const ssize_t escritos = ::write(tubo[1], &error, sizeof error);
+    ::_exit(127);
   }
+  ::close(tubo[1]);
+  const std::optional<int> error = errorDelArranque(tubo[0]);
+  ::close(tubo[0]);
   int estado = 0;
   ::waitpid(hijo, &estado, 0);
+  if (error) return razonDelSistema(*error);
+  return std::nullopt;
+}
+
+std::string textoFalloArranque(std::string_view programa, const std::vector<std::string>& orden,
+                               std::string_view motivo) {
+  std::string linea;
+  for (const std::string& parte : orden) linea.append(linea.empty() ? "" : " ").append(parte);
+  return std::string("No se ha podido arrancar ").append(recorta(programa)).append(". Orden ejecutada: ")
+      .append(utf8ACp1252(linea)).append(". Motivo: ").append(motivo).append(".");
 }
 
 std::string rutaWindows(const std::filesystem::path& nativa, const EntornoWine& entorno) {

@@ -5,6 +5,7 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -33,17 +34,25 @@ std::string rutaWindows(const std::filesystem::path& nativa, const EntornoWine& 
 std::vector<std::string> ordenDeArranque(std::string_view programa, const std::vector<std::string>& argumentos,
                                          const EntornoWine& entorno);
 
-// Starts programs without waiting and without looking at the result.
+// Starts programs without waiting for them. `lanza` returns why the program could not
+// be started (Windows-1252 text), or std::nullopt once it is running.
 class Lanzador {
  public:
   virtual ~Lanzador() = default;
-  virtual void lanza(const std::vector<std::string>& orden) = 0;
+  virtual std::optional<std::string> lanza(const std::vector<std::string>& orden) = 0;
 };
 
-// The real one: a detached process; a failure to start is silent, as on Windows.
+// The real one: a detached process, which nobody waits for. A program that cannot be
+// executed (missing, not executable) is told with the system's reason; a Windows program
+// run through "wine" is looked for first, since wine itself starts and only then fails.
 class LanzadorDelSistema : public Lanzador {
  public:
-  void lanza(const std::vector<std::string>& orden) override;
+  std::optional<std::string> lanza(const std::vector<std::string>& orden) override;
 };
+
+// The failure of a start as the user reads it: what was started (the route as the
+// settings give it and the command that ran) and why it failed.
+std::string textoFalloArranque(std::string_view programa, const std::vector<std::string>& orden,
+                               std::string_view motivo);
 
 }  // namespace valdor

@@ -11,7 +11,7 @@ namespace valdor {
 
 namespace {
 
-constexpr std::string_view TITULOALMACENES = "Valdor Plus";
+constexpr std::string_view TITULOALMACENES = "VALDOR+";
 
 }  // namespace
 

@@ -510,32 +510,43 @@ std::string campoDeLinea(std::string_view que, double valor, int ancho, std::str
 
 namespace {
 
-// The DOS code page bytes of the Spanish letters in the exchange files.
-constexpr std::array<unsigned char, 256> tablaAcentos() {
+// A byte map that leaves every byte as it is but the pairs {from, to} of `cambios`.
+template <std::size_t N>
+constexpr std::array<unsigned char, 256> tablaDeBytes(const std::array<std::array<unsigned char, 2>, N>& cambios) {
   std::array<unsigned char, 256> tabla{};
   for (std::size_t i = 0; i < tabla.size(); ++i) tabla[i] = static_cast<unsigned char>(i);
-  constexpr std::array<std::array<unsigned char, 2>, 20> cambios = {{
-      {170, 166}, {186, 167}, {193, 143}, {201, 144}, {205, 161},  // ª º Á É Í
-      {209, 165}, {211, 162}, {218, 163}, {250, 163}, {224, 133},  // Ñ Ó Ú ú à
-      {225, 160}, {232, 138}, {233, 130}, {236, 141}, {237, 161},  // á è é ì í
-      {241, 164}, {242, 164}, {243, 162}, {249, 151}, {252, 129},  // ñ ò ó ù ü
-  }};
   for (const auto& [origen, destino] : cambios) tabla[origen] = destino;
   return tabla;
 }
 
-constexpr auto kAcentos = tablaAcentos();
+// The DOS code page bytes of the Spanish letters in the exchange files.
+constexpr auto kAcentos = tablaDeBytes<20>({{
+    {170, 166}, {186, 167}, {193, 143}, {201, 144}, {205, 161},  // ª º Á É Í
+    {209, 165}, {211, 162}, {218, 163}, {250, 163}, {224, 133},  // Ñ Ó Ú ú à
+    {225, 160}, {232, 138}, {233, 130}, {236, 141}, {237, 161},  // á è é ì í
+    {241, 164}, {242, 164}, {243, 162}, {249, 151}, {252, 129},  // ñ ò ó ù ü
+}});
+
+// The letter that each byte of the accent table stands for.
+constexpr auto kLetras = tablaDeBytes<16>({{
+    {160, 225}, {130, 233}, {161, 237}, {162, 243}, {163, 250}, {164, 241},  // á é í ó ú ñ
+    {165, 209}, {143, 193}, {144, 201}, {166, 170}, {167, 186}, {133, 224},  // Ñ Á É ª º à
+    {138, 232}, {141, 236}, {151, 249}, {129, 252},                          // è ì ù ü
+}});
+
+// Each byte of `texto` through `tabla`.
+std::string porTabla(std::string_view texto, const std::array<unsigned char, 256>& tabla) {
+  std::string salida;
+  salida.reserve(texto.size());
+  for (char c : texto) salida.push_back(static_cast<char>(tabla[static_cast<unsigned char>(c)]));
+  return salida;
+}
 
 }  // namespace
 
-std::string QUITAACENTOS(std::string_view TEXTOORIGEN) {
-  std::string plano;
-  plano.reserve(TEXTOORIGEN.size());
-  for (char c : TEXTOORIGEN) {
-    plano.push_back(static_cast<char>(kAcentos[static_cast<unsigned char>(c)]));
-  }
-  return plano;
-}
+std::string QUITAACENTOS(std::string_view TEXTOORIGEN) { return porTabla(TEXTOORIGEN, kAcentos); }
+
+std::string PONACENTOS(std::string_view dos) { return porTabla(dos, kLetras); }
 
 void QUITAACENTOS(std::string_view TEXTOORIGEN, std::string& TEXTOPLANO) {
   if (TEXTOORIGEN.empty()) return;

@@ -114,5 +114,10 @@ std::string campoDeLinea(std::string_view que, double valor, int ancho, std::str
 void QUITAACENTOS(std::string_view TEXTOORIGEN, std::string& TEXTOPLANO);
 // The mapped text of a non-empty source (an empty source gives "").
 std::string QUITAACENTOS(std::string_view TEXTOORIGEN);
+// The way back of the accent table, for showing what an exchange file holds: each byte
+// the table gives a letter becomes that letter in Windows-1252 (the letter the DOS code
+// page gives the byte when two letters share it: 161 is í, 164 is ñ); any other byte
+// stays. QUITAACENTOS(PONACENTOS(QUITAACENTOS(t))) is QUITAACENTOS(t).
+std::string PONACENTOS(std::string_view dos);
 
 }  // namespace valdor

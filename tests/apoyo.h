@@ -68,6 +68,13 @@ class DialogosGrabador : public Dialogos {
     respuestas.pop_front();
     return r;
   }
+  Guardado preguntaGuardar(std::string_view titulo, std::string_view texto) override {
+    preguntas.push_back({std::string(titulo), std::string(texto), Icono::Exclamacion});
+    if (guardados.empty()) return Guardado::Cancelar;
+    const Guardado r = guardados.front();
+    guardados.pop_front();
+    return r;
+  }
   std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override {
     preguntas.push_back({std::string(titulo), std::string(texto), Icono::Pregunta});
     if (entradas.empty()) return std::nullopt;
@@ -85,6 +92,7 @@ class DialogosGrabador : public Dialogos {
   std::vector<Aviso> progresos;
   std::vector<Puntero> punteros;
   std::deque<bool> respuestas;
+  std::deque<Guardado> guardados;
   std::deque<std::optional<std::string>> entradas;
 };
 

@@ -131,7 +131,11 @@ TEST(Asistente, LaRutaDelFicheroSaleDeLaDeWinsuiteYSeAbreEnWineSinMirarMayuscula
 // ---- The run of the wizard ----------------------------------------------------------------
 
 struct LanzadorGrabador : Lanzador {
-  void lanza(const std::vector<std::string>& orden) override { ordenes.push_back(orden); }
+  std::optional<std::string> lanza(const std::vector<std::string>& orden) override {
+    ordenes.push_back(orden);
+    return fallo;
+  }
+  std::optional<std::string> fallo;  // the reason a start fails, when a test wants it to
   std::vector<std::vector<std::string>> ordenes;
 };
 
@@ -253,7 +257,7 @@ TEST(Asistente, Fan2TerminadoAvisaDeLasExcluidasOfreceElEditorYArrancaWinsuite) 
   EXPECT_EQ(f.vistos, "COTIZACION EDITOR ");
   // The excluded companies first, then the lines cut at 70, before the editor's offer.
   ASSERT_EQ(o.dialogos.mensajes.size(), 2u);
-  EXPECT_EQ(o.dialogos.mensajes[0].titulo, "Dortek.- Sistema Red");
+  EXPECT_EQ(o.dialogos.mensajes[0].titulo, "VALDOR+ - Sistema RED");
   EXPECT_EQ(o.dialogos.mensajes[1].texto, textoLineaLarga());
   EXPECT_EQ(o.dialogos.mensajes[1].icono, Icono::Exclamacion);
   ASSERT_EQ(o.dialogos.preguntas.size(), 1u);

@@ -234,6 +234,48 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   EXPECT_EQ(valdor(c, {"fan", "--nombre", "NUEVENUEV"}).estado, 2);
 }
 
+// Two runs at the same moment never meet under one default name; a name that is taken is
+// replaced only with --reemplazar; a transmission tool that does not start fails the job,
+// saying what was run and why.
+TEST(Cli, UnFicheroQueYaEstaSoloSeReemplazaConReemplazarYUnArranqueFallidoAcabaCon1) {
+  CarpetaTemporal c;
+  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
+  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
+  const fs::path fan = c / "wine/drive_c/WINSUITE/VIPTC2/FAN";
+  const std::vector<std::string> octubre{"--ahora", "2026-11-15 07:30", "fan", "--mes", "10", "--ano", "2026"};
+  ASSERT_EQ(valdor(c, octubre).estado, 0);
+  const std::string primero = pruebas::leeBytes(fan / "F1511260.FAN");
+  auto r = valdor(c, octubre);
+  ASSERT_EQ(r.estado, 0) << r.errores;
+  EXPECT_TRUE(r.salida.ends_with((fan / "F1511261.FAN").string() + "\n")) << r.salida;
+  EXPECT_EQ(pruebas::leeBytes(fan / "F1511260.FAN"), primero);
+
+  auto conNombre = [&](std::vector<std::string> extra) {
+    std::vector<std::string> args = octubre;
+    args.insert(args.end(), extra.begin(), extra.end());
+    return valdor(c, args);
+  };
+  r = conNombre({"--nombre", "f1511260", "--modo", "pruebas"});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("Ya existe el fichero C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN, de "), std::string::npos)
+      << r.errores;
+  EXPECT_NE(r.errores.find("no se reemplaza. Use --reemplazar"), std::string::npos) << r.errores;
+  EXPECT_EQ(pruebas::leeBytes(fan / "F1511260.FAN"), primero);
+  r = conNombre({"--nombre", "f1511260", "--modo", "pruebas", "--reemplazar"});
+  EXPECT_EQ(r.estado, 0) << r.errores;
+  EXPECT_EQ(pruebas::leeBytes(fan / "F1511260.FAN").substr(0, 68),
+            primero.substr(0, 53) + "P" + primero.substr(54, 14));  // the test send's mode
+
+  // The sample's route names a tool that this drive does not have.
+  r = conNombre({"--nombre", "lanza", "--lanzar"});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find("No se ha podido arrancar C:\\WINSUITE\\WINSUITE.EXE. Orden ejecutada: wine " +
+                           (c / "wine/drive_c/WINSUITE/WINSUITE.EXE").string() + ". Motivo: no existe el programa"),
+            std::string::npos)
+      << r.errores;
+  EXPECT_TRUE(fs::exists(fan / "LANZA000.FAN"));
+}
+
 // A settings file or a rate file that is there but damaged stops the job with a message
 // naming it, and no exchange file is left behind; a sound one lets the job run again.
 TEST(Cli, AjustesOTiposDanadosParanElFanSinDejarFichero) {
@@ -252,7 +294,7 @@ TEST(Cli, AjustesOTiposDanadosParanElFanSinDejarFichero) {
     EXPECT_NE(r.errores.find("El fichero de ajustes \"" + ajustes.string() + "\" no es un registro de ajustes"),
               std::string::npos)
         << r.errores;
-    EXPECT_EQ(r.errores.find("RUTA NO VALIDA"), std::string::npos) << r.errores;
+    EXPECT_EQ(r.errores.find("RUTA NO V"), std::string::npos) << r.errores;
     EXPECT_FALSE(fs::exists(carpetaFan) && !fs::is_empty(carpetaFan));
     EXPECT_EQ(pruebas::leeBytes(ajustes), danado);
   }
@@ -264,7 +306,7 @@ TEST(Cli, AjustesOTiposDanadosParanElFanSinDejarFichero) {
   EXPECT_NE(r.errores.find("No se puede leer el fichero de ajustes \"" + ajustes.string() + "\": es una carpeta"),
             std::string::npos)
       << r.errores;
-  EXPECT_EQ(r.errores.find("RUTA NO VALIDA"), std::string::npos) << r.errores;
+  EXPECT_EQ(r.errores.find("RUTA NO V"), std::string::npos) << r.errores;
   fs::remove(ajustes);
   pruebas::escribeBytes(ajustes, ajustesSanos);
 

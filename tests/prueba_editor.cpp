@@ -130,6 +130,30 @@ TEST(Editor, LaRevisionMarcaLongitudSegmentoYCuentasDelCierre) {
 
 // Every line end that is not CR LF is marked with the line's number, in the grid's
 // short form and in the report; a blank line is left alone, whatever its end.
+// Each text field of the accent table is typed as its writer writes it: the company name
+// through the table and then in capitals (é stays 130, the DOS small é), a surname in
+// capitals and then through the table (é becomes É, 144); the given name, and every field
+// of an AFI worker, in Windows-1252.
+TEST(Editor, CadaCampoSeTecleaComoLoEscribeSuEscritor) {
+  const std::string rzs = "RZS01" + std::string(55, 'A') + std::string(10, ' ');
+  const std::string ayn = "AYN" + std::string(20, 'B') + std::string(20, 'C') + std::string(15, 'D') + std::string(12, ' ');
+  auto teclea = [](const std::string& linea, std::size_t desde, std::string_view utf8, TipoIntercambio tipo) {
+    std::string mostrada = lineaParaMostrar(linea, tipo);
+    mostrada.replace(desde, 3, utf8);
+    return lineaTecleada(linea, mostrada, tipo);
+  };
+  EXPECT_EQ(teclea(rzs, 5, "ñé.", TipoIntercambio::FAN), "RZS01\xA4\x82." + rzs.substr(8));
+  EXPECT_EQ(teclea(rzs, 5, "ñé.", TipoIntercambio::AFI), "RZS01\xA4\x82." + rzs.substr(8));
+  EXPECT_EQ(teclea(ayn, 3, "ñé.", TipoIntercambio::FAN), "AYN\xA5\x90." + ayn.substr(6));
+  EXPECT_EQ(teclea(ayn, 43, "ñé.", TipoIntercambio::FAN), ayn.substr(0, 43) + "\xF1\xE9." + ayn.substr(46));
+  EXPECT_EQ(teclea(ayn, 3, "ñé.", TipoIntercambio::AFI), "AYN\xF1\xE9." + ayn.substr(6));
+  // Shown by the letters of the table, and given back byte for byte when left as shown,
+  // also a byte the table never writes (225, á in Windows-1252).
+  const std::string dos = "RZS01\xA4\x82\xE1" + std::string(52, 'A') + std::string(10, ' ');
+  EXPECT_EQ(lineaParaMostrar(dos, TipoIntercambio::FAN).substr(0, 11), "RZS01ñéá");
+  EXPECT_EQ(lineaTecleada(dos, lineaParaMostrar(dos, TipoIntercambio::FAN), TipoIntercambio::FAN), dos);
+}
+
 TEST(Editor, CadaFinDeLineaQueNoEsCRLFSeMarcaConSuNumero) {
   CarpetaTemporal c;
   const fs::path f = c / "FINES.FAN";

@@ -57,8 +57,9 @@ class Fallos : public ::testing::Test {
     return bytes;
   }
 
+  // Each run writes over an old file of its name on purpose: a failure must keep it.
   std::vector<std::string> argumentosFan(const std::string& nombre) const {
-    return {"--ahora", AHORA, "fan", "--mes", "10", "--ano", "2026", "--nombre", nombre};
+    return {"--ahora", AHORA, "fan", "--mes", "10", "--ano", "2026", "--nombre", nombre, "--reemplazar"};
   }
   Resultado fan(const std::string& nombre) { return valdor(c, argumentosFan(nombre)); }
   // The file that `--nombre N` writes: the name filled with zeros to eight characters.

@@ -11,6 +11,7 @@
 #include "shell/programa.h"
 #include "stores/esquemas.h"
 #include "stores/ficheros.h"
+#include "stores/literales.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
 #include "tests/trabajo_prueba.h"
@@ -280,7 +281,7 @@ TEST(FicheroFAN, SinRutaOSinCarpetaNoQuedaFicheroYSeDiceElPorQue) {
   x.programa.g.RUTAWS = std::string(150, ' ');
   EXPECT_FALSE(comando(x.programa, x.pagina, x.sel, x.motor));
   ASSERT_FALSE(x.dialogos.mensajes.empty());
-  EXPECT_EQ(x.dialogos.mensajes.back().titulo, "RUTA NO VALIDA PARA WINSUITE");
+  EXPECT_EQ(x.dialogos.mensajes.back().titulo, "RUTA NO VÁLIDA PARA WINSUITE"_cp);
 
   // The folder cannot be made (a file stands in its place): nothing is left behind.
   x.programa.g.RUTAWS = "C:\\WINSUITE\\WINSUITE.EXE";

@@ -212,6 +212,10 @@ void AFILIA::muestraRejillas() {
 
 void AFILIA::generaFichero() {
   Dialogos& dialogos = programa_.dialogos();
+  // A blank key or lines that fail the editor's check are written only on the user's word.
+  if (const auto aviso = avisoAntesDeGenerar(programa_, pagina_, *afi_);
+      aviso && !dialogos.pregunta(tituloAFILIA(), *aviso, true))
+    return;
   dialogos.puntero(Puntero::Reloj);
   ProgressBar1_->setValue(0);
   panelProgreso_->show();

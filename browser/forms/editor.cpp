@@ -94,7 +94,8 @@ class EdicionLinea : public QStyledItemDelegate {
 EDITOR::EDITOR(Programa& programa, Lanzador& lanzador, QWidget* padre)
     : QDialog(padre), programa_(programa), lanzador_(lanzador) {
   setObjectName(QStringLiteral("EDITOR"));
-  setWindowTitle(q("Edición del Fichero "_cp) + q(programa_.g.FICHEROEDITADO));
+  // The file being edited, and "*" while it has unsaved edits.
+  setWindowTitle(q("Edición del fichero "_cp) + q(recorta(programa_.g.FICHEROSALIDA)) + QStringLiteral("[*]"));
   setModal(true);
   resize(1120, 680);
   construye();
@@ -104,16 +105,16 @@ EDITOR::EDITOR(Programa& programa, Lanzador& lanzador, QWidget* padre)
 void EDITOR::construye() {
   auto* barra = new BarraLista(QStringLiteral("Editor"), this);
   QStyle* estilo = style();
-  barra->agrega(QStringLiteral("guar"), QStringLiteral("Guardar"), estilo->standardIcon(QStyle::SP_DialogSaveButton));
-  barra->agrega(QStringLiteral("BUSCA"), QStringLiteral("Buscar"),
+  barra->agrega(QStringLiteral("guar"), QStringLiteral("&Guardar"), estilo->standardIcon(QStyle::SP_DialogSaveButton));
+  barra->agrega(QStringLiteral("BUSCA"), QStringLiteral("&Buscar"),
                 estilo->standardIcon(QStyle::SP_FileDialogContentsView));
-  barra->agrega(QStringLiteral("IMPRI"), QStringLiteral("Imprimir"),
+  barra->agrega(QStringLiteral("IMPRI"), QStringLiteral("&Imprimir"),
                 estilo->standardIcon(QStyle::SP_FileDialogDetailedView));
-  barra->agrega(QStringLiteral("can"), QStringLiteral("Cancelar"), estilo->standardIcon(QStyle::SP_DialogCancelButton));
+  barra->agrega(QStringLiteral("can"), QStringLiteral("&Cancelar"), estilo->standardIcon(QStyle::SP_DialogCancelButton));
   connect(barra, &BarraLista::pulsado, this, &EDITOR::pulsaBarraLista);
 
   // The title panel with the file that is being edited.
-  const Cabecera banda = cabecera(this, q("Edición del Fichero"_cp), 13, QStringLiteral("fichero"));
+  const Cabecera banda = cabecera(this, q("Edición del fichero"_cp), 13, QStringLiteral("fichero"));
   QFrame* cabecera = banda.marco;
   fichero_ = banda.detalle;
   fichero_->setTextInteractionFlags(Qt::TextSelectableByMouse);
@@ -123,7 +124,7 @@ void EDITOR::construye() {
   REJILLA_ = new QTableWidget(0, COLUMNAS, this);
   REJILLA_->setObjectName(QStringLiteral("REJILLA"));
   REJILLA_->setHorizontalHeaderLabels(
-      {QStringLiteral("Orden"), QStringLiteral("Lineas del fichero"), QStringLiteral("Estado"), q("Revisión"_cp)});
+      {QStringLiteral("Orden"), q("Líneas del fichero"_cp), QStringLiteral("Longitud"), q("Revisión"_cp)});
   QFont fija = QFontDatabase::systemFont(QFontDatabase::FixedFont);
   fija.setPointSizeF(font().pointSizeF());
   REJILLA_->setFont(fija);
@@ -146,7 +147,7 @@ void EDITOR::construye() {
   REJILLA_->setColumnWidth(ORDEN, std::max(medida.horizontalAdvance(QStringLiteral("000000")) + 16,
                                            columnas->fontMetrics().horizontalAdvance(QStringLiteral("Orden")) + 20));
   REJILLA_->setColumnWidth(LINEA, medida.horizontalAdvance(QString(LONGITUDLINEA, QLatin1Char('0'))) + 24);
-  REJILLA_->setColumnWidth(ESTADO, columnas->fontMetrics().horizontalAdvance(QStringLiteral("Estado")) + 28);
+  REJILLA_->setColumnWidth(ESTADO, columnas->fontMetrics().horizontalAdvance(QStringLiteral("Longitud")) + 28);
   connect(REJILLA_, &QTableWidget::itemChanged, this, &EDITOR::cambiaCelda);
 
   // The status line: the trailer's counts against the lines, and the marked lines.
@@ -177,7 +178,8 @@ void EDITOR::construye() {
 void EDITOR::carga() {
   Globales& g = programa_.g;
   if (recorta(g.FICHEROSALIDA).empty()) {
-    fichero_->setText(QStringLiteral("Sin fichero"));
+    detalle_ = QStringLiteral("Sin fichero");
+    fichero_->setText(detalle_);
     programa_.dialogos().mensaje(tituloValdor(), "El fichero no se generó. El proceso ha sido abortado."_cp,
                                  Icono::Critico);
     muestraCierre();
@@ -204,7 +206,7 @@ void EDITOR::carga() {
     QTableWidgetItem* orden = celdaFija(hayLinea ? QString::number(f + 1) : QString());
     orden->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
     REJILLA_->setItem(f, ORDEN, orden);
-    auto* linea = new QTableWidgetItem(q(lineas_[static_cast<std::size_t>(f)]));
+    auto* linea = new QTableWidgetItem(QString::fromStdString(lineaParaMostrar(lineas_[static_cast<std::size_t>(f)], tipo_)));
     linea->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable | Qt::ItemIsEditable);
     REJILLA_->setItem(f, LINEA, linea);
     QTableWidgetItem* longitud = celdaFija();
@@ -218,8 +220,9 @@ void EDITOR::carga() {
   const QString clase = tipo_ == TipoIntercambio::FAN   ? QStringLiteral("fichero de cotización (FAN)")
                         : tipo_ == TipoIntercambio::AFI ? QStringLiteral("fichero de afiliación (AFI)")
                                                         : QStringLiteral("fichero");
-  fichero_->setText(q(g.FICHEROSALIDA) + QStringLiteral("   \u2014   ") + clase + QStringLiteral(", ") +
-                    cuenta(static_cast<long>(leidas), QStringLiteral("línea"), QStringLiteral("líneas")));
+  detalle_ = q(g.FICHEROSALIDA) + QStringLiteral("   \u2014   ") + clase + QStringLiteral(", ") +
+             cuenta(static_cast<long>(leidas), QStringLiteral("línea"), QStringLiteral("líneas"));
+  fichero_->setText(detalle_);
   muestraCierre();
 }
 
@@ -247,12 +250,39 @@ void EDITOR::done(int resultado) {
   QDialog::done(resultado);
 }
 
+void EDITOR::reject() {
+  edicion_->confirma();
+  if (modificado_) {
+    const std::string pregunta = std::string("El fichero "_cp).append(recorta(programa_.g.FICHEROSALIDA))
+                                     .append(" tiene cambios sin guardar. ¿Desea guardarlos antes de cerrar?"_cp);
+    switch (programa_.dialogos().preguntaGuardar(tituloValdor(), pregunta)) {
+      case Guardado::Guardar:
+        if (!guarda()) return;
+        break;
+      case Guardado::Descartar: break;
+      case Guardado::Cancelar: return;
+    }
+  }
+  QDialog::reject();
+}
+
+// The title's "*" and the title panel say that there are edits not yet saved.
+void EDITOR::marcaModificado(bool modificado) {
+  modificado_ = modificado;
+  setWindowModified(modificado);
+  fichero_->setText(modificado ? detalle_ + QStringLiteral("   \u2014   cambios sin guardar") : detalle_);
+}
+
 // Every row as it stands, the blank ones left out by the save; the rows keep their
-// numbers on the screen.
-void EDITOR::guarda() {
-  if (ruta_.empty()) return;
+// numbers on the screen. Lines that fail the check are saved only on the user's word.
+bool EDITOR::guarda() {
+  if (ruta_.empty()) return false;
+  if (const auto aviso = avisoAlGuardar(lineas_, tipo_);
+      aviso && !programa_.dialogos().pregunta(tituloValdor(), *aviso, true))
+    return false;
   try {
     guardaLineas(ruta_, lineas_);
+    marcaModificado(false);
     // Every line saved ends with CR LF now.
     for (std::size_t f = 0; f < finales_.size(); ++f) {
       if (finales_[f] == FinDeLinea::CRLF) continue;
@@ -265,6 +295,7 @@ void EDITOR::guarda() {
     avisaError(programa_.dialogos(), e);
   }
   muestraCierre();
+  return !modificado_;
 }
 
 // The first line holding the text becomes the top row, selected. No hit, no message.
@@ -282,12 +313,27 @@ void EDITOR::busca() {
 // The file as it is on disk goes to the system's text editor, which prints it.
 void EDITOR::imprime() {
   if (ruta_.empty()) return;
-  lanzador_.lanza({"xdg-open", ruta_.string()});
+  const std::vector<std::string> orden{"xdg-open", ruta_.string()};
+  if (const auto motivo = lanzador_.lanza(orden))
+    programa_.dialogos().mensaje(tituloValdor(), textoFalloArranque("el editor de textos del sistema", orden, *motivo),
+                                 Icono::Critico);
 }
 
 void EDITOR::cambiaCelda(QTableWidgetItem* celda) {
   if (cargando_ || celda->column() != LINEA) return;
-  lineas_.at(static_cast<std::size_t>(celda->row())) = aCp1252(celda->text());
+  std::string& linea = lineas_.at(static_cast<std::size_t>(celda->row()));
+  const std::string nueva = lineaTecleada(linea, celda->text().toStdString(), tipo_);
+  // The cell shows what the line now holds: a field of the accent table in capitals, as
+  // its writer writes it.
+  const QString mostrada = QString::fromStdString(lineaParaMostrar(nueva, tipo_));
+  if (mostrada != celda->text()) {
+    cargando_ = true;
+    celda->setText(mostrada);
+    cargando_ = false;
+  }
+  if (nueva == linea) return;
+  linea = nueva;
+  marcaModificado(true);
   revisaFila(celda->row());
   muestraCierre();
 }

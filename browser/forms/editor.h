@@ -1,10 +1,12 @@
 // EDITOR, the exchange file editor: the file named by FICHEROSALIDA line by line in the
 // grid REJILLA, each line with its number, its length and what the checks find in it,
 // and under the grid the verdict on the trailer's counts. Only the lines are edited, at
-// most 70 characters each; "Guardar" writes them back without the blank ones, "Buscar"
-// brings the first line holding a text to the top, "Imprimir" hands the file to the
-// system's text editor and "Cancelar" closes without saving. Every rule is the core's
-// (browser/editor.h).
+// most 70 characters each, shown and typed field by field in the character set their
+// writer used; "Guardar" writes them back without the blank ones (warning first when a
+// line fails the check), "Buscar" brings the first line holding a text to the top,
+// "Imprimir" hands the file to the system's text editor and "Cancelar" closes. Unsaved
+// edits mark the title, and nothing drops them without asking Guardar / Descartar /
+// Cancelar. Every rule is the core's (browser/editor.h).
 #pragma once
 
 #include <QDialog>
@@ -47,11 +49,18 @@ class EDITOR : public QDialog {
 
   // Every close goes through here: the affiliation flag is cleared for the next file.
   void done(int resultado) override;
+  // "Cancelar", Escape and the window's close: with unsaved edits the user chooses to
+  // save them, drop them, or stay.
+  void reject() override;
+
+  bool modificado() const { return modificado_; }
 
  private:
   void construye();
   void carga();
-  void guarda();
+  // True when the lines are on disk as the grid holds them.
+  bool guarda();
+  void marcaModificado(bool modificado);
   void busca();
   void imprime();
   void cambiaCelda(QTableWidgetItem* celda);
@@ -65,6 +74,7 @@ class EDITOR : public QDialog {
   std::filesystem::path ruta_;  // the native file; empty when there is none
   TipoIntercambio tipo_ = TipoIntercambio::Otro;
   bool cargando_ = false;
+  bool modificado_ = false;  // edits not yet saved
   // The grid's lines as the core's text, kept with every edit, and which rows are marked:
   // the trailer's verdict, the search and the save read these, not the cells.
   std::vector<std::string> lineas_;
@@ -72,6 +82,7 @@ class EDITOR : public QDialog {
   std::vector<bool> marcadas_;
 
   QLabel* fichero_ = nullptr;
+  QString detalle_;  // the title panel's text: the file, its kind and its lines
   QTableWidget* REJILLA_ = nullptr;
   EdicionLinea* edicion_ = nullptr;
   QLabel* cierre_ = nullptr;

@@ -86,7 +86,7 @@ class DelegadoConfiguracion : public QStyledItemDelegate {
 config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
     : QDialog(padre), programa_(programa), entorno_(std::move(entorno)) {
   setObjectName(QStringLiteral("config"));
-  setWindowTitle(QStringLiteral("Propiedades de VALDOR PLUS"));
+  setWindowTitle(QStringLiteral("Propiedades de VALDOR+"));
   setModal(true);
   resize(560, 330);
 
@@ -111,9 +111,13 @@ config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
   capa->addWidget(CONFI_);
 
   auto* botones = new QDialogButtonBox(this);
-  QPushButton* cerrar = botones->addButton(QStringLiteral("Cerrar"), QDialogButtonBox::AcceptRole);
-  cerrar->setObjectName(QStringLiteral("Cerrar"));
+  QPushButton* aceptar = botones->addButton(QStringLiteral("&Aceptar"), QDialogButtonBox::AcceptRole);
+  aceptar->setObjectName(QStringLiteral("Aceptar"));
+  aceptar->setDefault(true);
+  QPushButton* cancelar = botones->addButton(QStringLiteral("&Cancelar"), QDialogButtonBox::RejectRole);
+  cancelar->setObjectName(QStringLiteral("Cancelar"));
   connect(botones, &QDialogButtonBox::accepted, this, &QDialog::accept);
+  connect(botones, &QDialogButtonBox::rejected, this, &QDialog::reject);
 
   auto* principal = new QVBoxLayout(this);
   principal->addWidget(pestanas);
@@ -199,7 +203,7 @@ void config::guarda() {
 }
 
 void config::done(int resultado) {
-  guarda();
+  if (resultado == QDialog::Accepted) guarda();
   QDialog::done(resultado);
 }
 

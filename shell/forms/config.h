@@ -1,6 +1,7 @@
-// The configuration dialog "Propiedades de VALDOR PLUS": the grid CONFI of the exchange
-// settings on the tab "General", and the company combo. Closing it in any way saves
-// what the grid shows; there is no cancel.
+// The configuration dialog "Propiedades de VALDOR+": the grid CONFI of the exchange
+// settings on the tab "General", and the company combo. "Aceptar" (and Enter) saves what
+// the grid shows; "Cancelar", Escape and the window's close leave the settings as they
+// were.
 #pragma once
 
 #include <QDialog>

@@ -56,6 +56,21 @@ bool DialogosQt::pregunta(std::string_view titulo, std::string_view texto, bool 
   return caja.exec() == QMessageBox::Yes;
 }
 
+Guardado DialogosQt::preguntaGuardar(std::string_view titulo, std::string_view texto) {
+  QMessageBox caja(QMessageBox::Warning, aQString(titulo), aQString(texto),
+                   QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel, padre());
+  rotula(caja, QMessageBox::Save, "&Guardar");
+  rotula(caja, QMessageBox::Discard, "&Descartar");
+  rotula(caja, QMessageBox::Cancel, "&Cancelar");
+  caja.setDefaultButton(QMessageBox::Save);
+  caja.setEscapeButton(QMessageBox::Cancel);
+  switch (caja.exec()) {
+    case QMessageBox::Save: return Guardado::Guardar;
+    case QMessageBox::Discard: return Guardado::Descartar;
+    default: return Guardado::Cancelar;
+  }
+}
+
 std::optional<std::string> DialogosQt::entrada(std::string_view titulo, std::string_view texto) {
   QInputDialog caja(padre());
   caja.setWindowTitle(aQString(titulo));

@@ -23,6 +23,7 @@ class DialogosQt : public QObject, public Dialogos {
 
   void mensaje(std::string_view titulo, std::string_view texto, Icono icono) override;
   bool pregunta(std::string_view titulo, std::string_view texto, bool noPorDefecto = false) override;
+  Guardado preguntaGuardar(std::string_view titulo, std::string_view texto) override;
   std::optional<std::string> entrada(std::string_view titulo, std::string_view texto) override;
   void progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) override;
   void puntero(Puntero p) override;

@@ -82,7 +82,7 @@ void frmMain::construye() {
   auto* hueco = new QWidget(tbToolBar_);
   hueco->setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Preferred);
   tbToolBar_->addWidget(hueco);
-  SSPanel5_ = new QLabel(QStringLiteral("QUIL VANE VALDOR Plus"), tbToolBar_);
+  SSPanel5_ = new QLabel(QStringLiteral("VALDOR+"), tbToolBar_);
   SSPanel5_->setObjectName(QStringLiteral("SSPanel5"));
   SSPanel5_->setFrameStyle(QFrame::Panel | QFrame::Sunken);
   SSPanel5_->setStyleSheet(QStringLiteral(
@@ -90,7 +90,7 @@ void frmMain::construye() {
   tbToolBar_->addWidget(SSPanel5_);
 
   // The list bar on the left.
-  SSListBar1_ = new BarraLista(QStringLiteral("VALDOR +"), this);
+  SSListBar1_ = new BarraLista(QStringLiteral("VALDOR+"), this);
   const std::tuple<const char*, std::string_view, QIcon> elementos[] = {
       {"cotiza", "Cotización"_cp, iconoCotiza},
       {"afilia", "Afiliación"_cp, iconoAfilia},

@@ -105,7 +105,7 @@ void PXVALDOR32::construye() {
   auto* filaModos = new QHBoxLayout;
   filaModos->addWidget(rotulo("Tipo de envío:"_cp, modos));
   int id = 0;
-  for (std::string_view texto : {"Proceso normal"_cp, "Pruebas"_cp, "Sustitución"_cp}) {
+  for (std::string_view texto : {"Proceso &normal"_cp, "&Pruebas"_cp, "&Sustitución"_cp}) {
     auto* opcion = new QRadioButton(q(texto), modos);
     opcion->setObjectName(QStringLiteral("Option2_%1").arg(id));
     Option2_->addButton(opcion, id++);
@@ -127,10 +127,12 @@ void PXVALDOR32::construye() {
   Text6_ = caja("Text6", 5, SSPanel4_, cifra);
   Text7_ = caja("Text7", 4, SSPanel4_, cifra);
   const std::pair<std::string_view, QLineEdit*> sustitucion[] = {
-      {"Año:"_cp, Text3_}, {"Mes:", Text4_}, {"Serie:", Text5_}, {"Envío:"_cp, Text6_}, {"Doc:", Text7_}};
+      {"Añ&o:"_cp, Text3_}, {"&Mes:", Text4_}, {"S&erie:", Text5_}, {"En&vío:"_cp, Text6_}, {"&Doc:", Text7_}};
   for (const auto& [texto, c] : sustitucion) {
     capaSustitucion->addSpacing(10);
-    capaSustitucion->addWidget(rotulo(texto, SSPanel4_));
+    QLabel* r = rotulo(texto, SSPanel4_);
+    r->setBuddy(c);
+    capaSustitucion->addWidget(r);
     capaSustitucion->addWidget(c);
   }
   capaSustitucion->addStretch(1);
@@ -161,18 +163,23 @@ void PXVALDOR32::construye() {
   SSPanel2_->setFrameStyle(QFrame::StyledPanel | QFrame::Raised);
   Text8_ = caja("Text8", static_cast<int>(ANCHONOMBREFICHERO), SSPanel2_);
   Text8_->installEventFilter(this);
-  connect(Text8_, &QLineEdit::returnPressed, this, &PXVALDOR32::aplicaReglaNombre);
   Label10_ = valor("Label10", 4, SSPanel2_);
   Label12_ = valor("Label12", 8, SSPanel2_);
   Label13_ = valor("Label13", 4, SSPanel2_);
-  Label16_ = rotulo("Clave:", SSPanel2_, "Label16");
-  Label17_ = rotulo("Nueva clave:", SSPanel2_, "Label17");
+  Label16_ = rotulo("&Clave:", SSPanel2_, "Label16");
+  Label17_ = rotulo("N&ueva clave:", SSPanel2_, "Label17");
   Text10_ = caja("Text10", static_cast<int>(ANCHOCLAVEAFI), SSPanel2_);
   Text11_ = caja("Text11", static_cast<int>(ANCHOCLAVEAFI), SSPanel2_);
+  Label16_->setBuddy(Text10_);
+  Label17_->setBuddy(Text11_);
+  // Enter in a box of the type panel accepts, as "&Aceptar" would; the name rule first.
+  for (QLineEdit* c : {Text8_, Text10_, Text11_}) connect(c, &QLineEdit::returnPressed, this, &PXVALDOR32::pulsaIntro);
   auto* rejilla = new QGridLayout(SSPanel2_);
   rejilla->setHorizontalSpacing(10);
   rejilla->setVerticalSpacing(8);
-  rejilla->addWidget(rotulo("Nombre del fichero:", SSPanel2_), 0, 0);
+  QLabel* rotuloNombre = rotulo("Nombre del &fichero:", SSPanel2_);
+  rotuloNombre->setBuddy(Text8_);
+  rejilla->addWidget(rotuloNombre, 0, 0);
   auto* nombre = new QHBoxLayout;
   nombre->addWidget(Text8_);
   nombre->addWidget(rotulo(".", SSPanel2_));
@@ -243,6 +250,15 @@ void PXVALDOR32::construye() {
   cuerpo->addLayout(pie);
 
   colocaForma(this, nullptr, cabecera, cuerpo);
+
+  // Tab goes down the page as it reads: the mode, the replaced send, the name, the keys,
+  // "&Aceptar", and the close control last.
+  QWidget* anterior = Option2_->button(0);
+  for (QWidget* w : std::initializer_list<QWidget*>{Option2_->button(1), Option2_->button(2), Text3_, Text4_, Text5_,
+                                                     Text6_, Text7_, Text8_, Text10_, Text11_, Command3_, controlcerrar}) {
+    setTabOrder(anterior, w);
+    anterior = w;
+  }
 }
 
 void PXVALDOR32::carga() {
@@ -297,6 +313,7 @@ void PXVALDOR32::muestraPagina() {
   Label3_->setText(q(pagina_.Label3));
   Label19_->setText(q(pagina_.Label19));
   mostrando_ = false;
+  Command3_->setEnabled(paginaLista(pagina_));
 }
 
 void PXVALDOR32::tomaPagina() {
@@ -308,6 +325,7 @@ void PXVALDOR32::tomaPagina() {
   pagina_.Text8 = aCp1252(Text8_->text());
   pagina_.Text10 = aCp1252(Text10_->text());
   pagina_.Text11 = aCp1252(Text11_->text());
+  Command3_->setEnabled(paginaLista(pagina_));
 }
 
 // On Enter and on leaving the box: a name that is there but short is put in upper case
@@ -317,6 +335,13 @@ void PXVALDOR32::aplicaReglaNombre() {
   if (nombre.empty() || nombre.size() >= ANCHONOMBREFICHERO) return;
   pagina_.Text8 = reglaNombre(nombre);
   muestraPagina();
+}
+
+// Enter once a kind of message is chosen: the name rule, then "&Aceptar" (which tells why
+// a name is refused).
+void PXVALDOR32::pulsaIntro() {
+  aplicaReglaNombre();
+  if (pagina_.Option1Cotizacion || pagina_.Option1Afiliacion) pulsaAceptar();
 }
 
 bool PXVALDOR32::eventFilter(QObject* objeto, QEvent* evento) {
@@ -343,6 +368,13 @@ void PXVALDOR32::pulsaAceptar() {
   if (const auto rechazo = nombreIntercambioRechazado(pagina_.Text8)) {
     programa_.dialogos().mensaje(tituloNombreNoValido(), *rechazo, Icono::Exclamacion);
     Text8_->setFocus();
+    emit trabajoTerminado();
+    return;
+  }
+  // A file of that name already in the folder is replaced only on the user's word.
+  if (!reemplazoConsentido(programa_, pagina_)) {
+    Text8_->setFocus();
+    Text8_->selectAll();
     emit trabajoTerminado();
     return;
   }

@@ -59,6 +59,7 @@ class PXVALDOR32 : public QWidget {
   void muestraPagina();
   void tomaPagina();
   void aplicaReglaNombre();
+  void pulsaIntro();
   void pulsaModo(int opcion);
   void muestraConfiguracion();
   void pulsaAceptar();

@@ -24,7 +24,11 @@ inline const Momento MOMENTO{2026, 11, 15, 7, 30, 0};
 
 class LanzadorGrabador : public Lanzador {
  public:
-  void lanza(const std::vector<std::string>& orden) override { ordenes.push_back(orden); }
+  std::optional<std::string> lanza(const std::vector<std::string>& orden) override {
+    ordenes.push_back(orden);
+    return fallo;
+  }
+  std::optional<std::string> fallo;  // the reason a start fails, when a test wants it to
   std::vector<std::vector<std::string>> ordenes;
 };
 

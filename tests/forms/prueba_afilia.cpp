@@ -77,7 +77,14 @@ class PruebaAfilia : public QObject {
     QCOMPARE(m.control("Label7")->text(), q(ETF));
     QCOMPARE(m.control("Label19")->text(), q("para GESTORÍA LABORAL DEL VALLE, S.L."_cp));
 
+    // The key (Clave) is blank: the module asks first, and "No" writes nothing.
+    m.control<QPushButton>("Command2")->click();
+    QCOMPARE(m.o.dialogos.preguntas.size(), std::size_t{1});
+    QVERIFY(m.o.dialogos.preguntas[0].texto.starts_with("La clave (Clave) de la l\xEDnea SIL est\xE1 en blanco."));
+    QVERIFY(!std::filesystem::exists(m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI"));
+
     m.o.dialogos.punteros.clear();
+    m.o.dialogos.respuestas = {true};
     m.control<QPushButton>("Command2")->click();
     QCOMPARE(m.p.g.FICHEROSALIDA, std::string("C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI"));
     const auto lineas = registros(m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI");
@@ -110,6 +117,7 @@ class PruebaAfilia : public QObject {
       QCOMPARE(m.celda("GRID1", 1, 1), QStringLiteral("00007"));  // still shown in the list
     }
     QVERIFY(m.control("Label7")->text().endsWith(QStringLiteral("00003" "00000027" "   ")));
+    m.o.dialogos.respuestas = {true};  // written with its blank key
     m.control<QPushButton>("Command2")->click();
     const auto lineas = registros(m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI/F1511260.AFI");
     QCOMPARE(lineas.size(), std::size_t{27});
@@ -139,6 +147,7 @@ class PruebaAfilia : public QObject {
             std::string::npos);
     // The file written, the editor declined, and yes: the four rows it carries go.
     m.abre();
+    m.o.dialogos.respuestas = {true};  // written with its blank key
     m.control<QPushButton>("Command2")->click();
     m.o.dialogos.respuestas = {true};
     m.control<QPushButton>("Command1")->click();
@@ -179,8 +188,11 @@ class PruebaAfilia : public QObject {
     QVERIFY(!a->pagina().Option1Afiliacion && !a->pagina().Option1Cotizacion);
     QVERIFY(a->findChild<QWidget*>(QStringLiteral("SSPanel2"))->isVisible());
     QVERIFY(e.v.isVisible());
+    // Neither option on: "&Aceptar" waits for a kind of message.
+    QVERIFY(!a->findChild<QPushButton*>(QStringLiteral("Command3"))->isEnabled());
 
-    QCOMPARE(aceptaYPulsa("Command1"), SIL);  // neither option on: the affiliation again
+    e.pulsa("afilia");
+    QCOMPARE(aceptaYPulsa("Command1"), SIL);
     QCOMPARE(e.o.dialogos.preguntas.back().titulo, std::string(tituloPendientes()));
     QTRY_VERIFY(!e.v.isVisible());
     QVERIFY(!std::filesystem::exists(e.o.carpetas.trabajo / "TEMPORAL VALDOR.MDB"));

@@ -1,5 +1,5 @@
-// The exchange wizard by itself: the replacement panel, the name box, and "&Aceptar" with
-// the desktop's forms. Its AFI keys are tried on the road to the affiliation module.
+// The exchange wizard by itself: the replacement panel, the name box, "&Aceptar" and Enter
+// with the desktop's forms, and the question before a file of the same name is replaced.
 #include "shell/forms/pxvaldor32.h"
 #include "stores/literales.h"
 #include "tests/forms/oficina_qt.h"
@@ -14,6 +14,7 @@ namespace {
 // A wizard loaded on the sample office, shown by itself.
 struct Asistente {
   Asistente() {
+    programa.entornoWine = o.entorno;
     programa.arranca();
     w.carga();
     w.muestraPanelTipo();
@@ -42,6 +43,9 @@ class PruebaAsistente : public QObject {
  private slots:
   void laSustitucionElNombreYAceptarConLaSeleccionCancelada() {
     Asistente a;
+    // No kind of message chosen yet: "&Aceptar" takes nothing.
+    auto* aceptar = a.control<QPushButton>("Command3");
+    QVERIFY(!aceptar->isEnabled());
     QVERIFY(a.control<QRadioButton>("Option2_0")->isChecked());
     QVERIFY(!a.visible("SSPanel4"));
 
@@ -63,45 +67,46 @@ class PruebaAsistente : public QObject {
     QCOMPARE(a.w.pagina().Text3, std::string());
 
     // The name: a full one is left as typed, cut at 8; a short one is put in capitals and
-    // filled with "0" on Enter and on leaving the box; an empty one stays empty.
+    // filled with "0" on leaving the box; an empty one stays empty, and "&Aceptar" with it.
     a.w.fan();
+    QVERIFY(aceptar->isEnabled());
     QLineEdit* Text8 = a.control("Text8");
+    QFocusEvent salida(QEvent::FocusOut);
     a.escribe("Text8", QStringLiteral("abcdefghi"));
-    QTest::keyClick(Text8, Qt::Key_Return);
+    QApplication::sendEvent(Text8, &salida);
     QCOMPARE(Text8->text(), QStringLiteral("abcdefgh"));
     Text8->setText(q("ñu"_cp));
-    QFocusEvent salida(QEvent::FocusOut);
     QApplication::sendEvent(Text8, &salida);
     QCOMPARE(Text8->text(), q("ÑU000000"_cp));
     Text8->clear();
-    QTest::keyClick(Text8, Qt::Key_Return);
     QApplication::sendEvent(Text8, &salida);
     QCOMPARE(Text8->text(), QString());
     QCOMPARE(a.w.pagina().Text8, std::string());
+    QVERIFY(!aceptar->isEnabled());
 
-    // A name the exchange folder would not take stops "&Aceptar" with the name rule's
-    // box: no selection opens and no label line is made.
+    // A name the exchange folder would not take leaves "&Aceptar" off; Enter tells why,
+    // and no selection opens and no label line is made.
     a.escribe("Text8", QStringLiteral("../x"));
+    QVERIFY(!aceptar->isEnabled());
     {
       AlAbrirModal ninguna;
-      a.control<QPushButton>("Command3")->click();
+      QTest::keyClick(Text8, Qt::Key_Return);
       QVERIFY(ninguna.nombre.isEmpty());
     }
     QCOMPARE(a.o.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(a.o.dialogos.mensajes[0].titulo, std::string("NOMBRE DE FICHERO NO VALIDO"));
-    QVERIFY(a.o.dialogos.mensajes[0].texto.find("«../x» no es válido: lleva el carácter «.»"_cp) != std::string::npos);
+    QCOMPARE(a.o.dialogos.mensajes[0].titulo, std::string("NOMBRE DE FICHERO NO VÁLIDO"_cp));
+    QVERIFY(a.o.dialogos.mensajes[0].texto.find("no es válido: lleva el carácter «.»"_cp) != std::string::npos);
     QCOMPARE(a.programa.g.LINEAETI, std::string());
     a.o.dialogos.mensajes.clear();
 
+    // Enter in the name box: the name rule, then "&Aceptar" on a test send. The selection
+    // is left by the window's own close, which counts as "Cancelar", so no editor is
+    // offered and nothing is started.
     a.escribe("Text8", QStringLiteral("abc"));
-    QTest::keyClick(Text8, Qt::Key_Return);
-    QCOMPARE(Text8->text(), QStringLiteral("ABC00000"));
-
-    // "&Aceptar" on a test send: the selection is left by the window's own close, which
-    // counts as "Cancelar", so no editor is offered and nothing is started.
     a.o.dialogos.punteros.clear();
     AlAbrirModal seleccion;
-    a.control<QPushButton>("Command3")->click();
+    QTest::keyClick(Text8, Qt::Key_Return);
+    QCOMPARE(Text8->text(), QStringLiteral("ABC00000"));
     QCOMPARE(seleccion.nombre, QStringLiteral("COTIZACION"));
     // The sample office's keys are 20731542 and SLC48213.
     QCOMPARE(a.programa.g.LINEAETI, std::string("ETI" "TC220VIP28" "20731542" "SLC48213" "20261115" "0730"
@@ -111,6 +116,45 @@ class PruebaAsistente : public QObject {
     // The hourglass of the hand-over, the arrow while the user chooses, and back.
     QCOMPARE(a.o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal, Puntero::Normal}));
     QVERIFY(a.control<QLabel>("Label3")->text().startsWith(QStringLiteral("Seleccione el mes")));
+  }
+
+  void unFicheroDelMismoNombreSoloSeReemplazaSiElUsuarioLoDice() {
+    Asistente a;
+    // A file of the default name (F, day, month, year, first digit of the hour) is there.
+    PaginaIntercambio ocupada;
+    ocupada.marcaCotizacion();
+    ocupada.Text8 = "F1511260";
+    ocupada.Label10 = "FAN";
+    const auto existente = rutaNativa(rutaFicheroFAN(a.programa.g.RUTAWS, ocupada), a.o.entorno);
+    std::filesystem::create_directories(existente.parent_path());
+    escribeBytes(existente, std::string(144, 'x'));
+
+    // The default is the next free name of the same form.
+    a.w.fan();
+    QLineEdit* Text8 = a.control("Text8");
+    QCOMPARE(Text8->text(), QStringLiteral("F1511261"));
+
+    // The taken name typed back: "&Aceptar" asks, naming the file, its size and its date;
+    // "No" leaves the name box waiting and opens nothing.
+    a.escribe("Text8", QStringLiteral("F1511260"));
+    {
+      AlAbrirModal ninguna;
+      a.control<QPushButton>("Command3")->click();
+      QVERIFY(ninguna.nombre.isEmpty());
+    }
+    QCOMPARE(a.o.dialogos.preguntas.size(), std::size_t{1});
+    const std::string& pregunta = a.o.dialogos.preguntas[0].texto;
+    QVERIFY(pregunta.find("C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN, de 144 bytes, modificado el ") != std::string::npos);
+    QVERIFY(pregunta.find("¿Desea reemplazarlo?"_cp) != std::string::npos);
+    QCOMPARE(a.programa.g.LINEAETI, std::string());
+
+    // "Sí": the hand-over goes on to the selection.
+    a.o.dialogos.respuestas = {true};
+    AlAbrirModal seleccion;
+    a.control<QPushButton>("Command3")->click();
+    QCOMPARE(seleccion.nombre, QStringLiteral("COTIZACION"));
+    QCOMPARE(a.o.dialogos.preguntas.size(), std::size_t{2});
+    QCOMPARE(leeBytes(existente), std::string(144, 'x'));  // the selection was cancelled
   }
 };
 

@@ -198,7 +198,7 @@ class PruebaBoletinTC1 : public QObject {
     QVERIFY(!seCierra);
     QCOMPARE(progreso, q("Dortek está calculando el modelo TC1 para la empresa Café Nórdico Lars Hansen"_cp));
     QCOMPARE(s.o.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(s.o.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
+    QCOMPARE(s.o.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
     QCOMPARE(s.o.dialogos.mensajes[0].texto, std::string("DORTEK ha finalizado la impresión de sus modelos TC-1"_cp));
     QCOMPARE(s.o.dialogos.mensajes[0].icono, Icono::Informacion);
     QCOMPARE(caja(s.f.get(), 1), q("Asociación Cultural Río Ebro"_cp));

@@ -1,5 +1,5 @@
 // The configuration dialog: the first run, the edit limits and the date mask, the
-// ellipsis of the route, the save on every close, and the wizard forcing it.
+// ellipsis of the route, the save on "Aceptar" only, and the wizard forcing it.
 #include "shell/forms/config.h"
 #include "shell/forms/pxvaldor32.h"
 #include "stores/literales.h"
@@ -41,7 +41,7 @@ class PruebaConfiguracion : public QObject {
   Q_OBJECT
 
  private slots:
-  void primeraVezLaRutaPorDefectoYAlCerrarSeGuarda() {
+  void primeraVezLaRutaPorDefectoYSoloAceptarGuarda() {
     Oficina o;
     std::filesystem::remove(o.ajustes());
     Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
@@ -51,7 +51,14 @@ class PruebaConfiguracion : public QObject {
       QCOMPARE(d.valor(0), std::string("GESTORÍA LABORAL DEL VALLE, S.L."_cp));
       QCOMPARE(d.findChild<QComboBox*>(QStringLiteral("Combo1"))->currentText(), q("Configuración General"_cp));
       d.show();
+      // Escape and the window's close cancel: the settings stay as they were.
+      QTest::keyClick(&d, Qt::Key_Escape);
+      QVERIFY(!d.isVisible());
+      d.show();
       d.close();
+      QVERIFY(!std::filesystem::exists(o.ajustes()) || leeBytes(o.ajustes()).empty());
+      d.show();
+      d.findChild<QPushButton*>(QStringLiteral("Aceptar"))->click();
     }
     QCOMPARE(leeBytes(o.ajustes()), std::string(16, ' ') + relleno(RUTA, 150) + std::string(10, ' '));
   }
@@ -81,9 +88,9 @@ class PruebaConfiguracion : public QObject {
       QCOMPARE(d.valor(4), std::string());
       QCOMPARE(o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal}));
 
-      // Closed by its window while the key is still being typed: what the box shows is saved.
+      // "Aceptar" while the key is still being typed: what the box shows is saved.
       editaFila(d, 2, QStringLiteral("ABC"));
-      d.close();
+      d.findChild<QPushButton*>(QStringLiteral("Aceptar"))->click();
     }
     // The sender is not a field of the settings: its file stays as it was.
     const std::string ajustes = leeBytes(o.ajustes());
@@ -97,7 +104,7 @@ class PruebaConfiguracion : public QObject {
     Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
     p.arranca();
     formularios::PXVALDOR32 w(p, o.lanzador, o.entorno, formularios::fabricaFormulariosQt());
-    AlAbrirModal forzado;
+    AlAbrirModal forzado([](QWidget* d) { d->findChild<QPushButton*>(QStringLiteral("Aceptar"))->click(); });
     w.carga();
     QCOMPARE(forzado.nombre, QStringLiteral("config"));
     QCOMPARE(p.g.RUTAWS, relleno(RUTA, 150));

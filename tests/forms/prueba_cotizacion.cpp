@@ -113,7 +113,7 @@ class PruebaCotizacion : public QObject {
     // "Procesar" with nothing marked says so, and the form stays.
     QVERIFY(sigueSinMarcas);
     QCOMPARE(e.o.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(e.o.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
+    QCOMPARE(e.o.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
     QCOMPARE(e.o.dialogos.mensajes[0].texto,
              std::string("Para iniciar el proceso del fichero debe seleccionar al menos una empresa."));
     QCOMPARE(e.o.dialogos.preguntas.size(), std::size_t{1});

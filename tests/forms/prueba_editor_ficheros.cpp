@@ -1,7 +1,8 @@
 // The file selector and the exchange file editor over small files written by hand in a
 // temporary Wine drive: the load with the rows the size suggests, the edit of a line and
-// what it refuses, the search, the save without blank lines, the print order, and the
-// road from the selector's tree and from the wizard to the editor.
+// what it refuses, the search, the save without blank lines (and its warning), the
+// question before unsaved edits are dropped, the two character sets of a line, the print
+// order, and the road from the selector's tree and from the wizard to the editor.
 #include "browser/forms/editor.h"
 #include "browser/forms/selector.h"
 #include "shell/ajustes.h"
@@ -148,6 +149,7 @@ class PruebaEditorFicheros : public QObject {
     QCOMPARE(b.fila(1)[3], QString());
     QCOMPARE(b.fila(2), (QStringList{"3", q(TRA), "70", q("sin fin de línea"_cp)}));
     QCOMPARE(b.etiqueta("observaciones"), q("2 líneas con observaciones (columna Revisión)."_cp));
+    b.dialogos.respuestas = {true};  // saved without a trailer, on the user's word
     b.pulsa("guar");
     QCOMPARE(b.guardado(), fichero({ETI, EMP, TRA}));
     QCOMPARE(b.fila(0)[3], QString());
@@ -164,7 +166,7 @@ class PruebaEditorFicheros : public QObject {
     f.pulsaBarraLista(QStringLiteral("guar"));
     f.pulsaBarraLista(QStringLiteral("IMPRI"));
     QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(b.dialogos.mensajes[0].titulo, std::string("Valdor Plus"));
+    QCOMPARE(b.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
     QCOMPARE(b.dialogos.mensajes[0].texto, std::string("El fichero no se generó. El proceso ha sido abortado."_cp));
     QCOMPARE(b.dialogos.mensajes[0].icono, Icono::Critico);
     QVERIFY(b.lanzador.ordenes.empty());
@@ -207,7 +209,16 @@ class PruebaEditorFicheros : public QObject {
     QLineEdit* abierta = b.abreEdicion(0);
     QVERIFY(abierta);
     abierta->setText(q("ETI a medio escribir"_cp));
+    // Lines that fail the check are listed before the save, which waits for the user's word.
     b.pulsa("guar");
+    QCOMPARE(b.dialogos.preguntas.size(), std::size_t{1});
+    QVERIFY(b.dialogos.preguntas[0].texto.find("Línea 1: tiene 20 caracteres y debe tener 70.\nLínea 3: \"WWW\" no es "
+                                               "un segmento de un fichero FAN.\nEl cierre ETF cuenta 5 líneas y el "
+                                               "fichero tiene 4."_cp) != std::string::npos);
+    QVERIFY(b.f->isWindowModified());
+    b.dialogos.respuestas = {true, true};
+    b.pulsa("guar");
+    QVERIFY(!b.f->isWindowModified());
     QCOMPARE(b.guardado(), fichero({"ETI a medio escribir", "EMP\x80" + std::string(66, '0'), std::string(70, 'W'),
                                     cierre("0000100000005")}));
     QCOMPARE(b.fila(0), (QStringList{"1", "ETI a medio escribir", "20", "longitud 20"}));
@@ -220,7 +231,7 @@ class PruebaEditorFicheros : public QObject {
     fs::remove_all(b.fan);
     b.pulsa("guar");
     QCOMPARE(b.dialogos.mensajes.size(), std::size_t{2});
-    QCOMPARE(b.dialogos.mensajes[1].titulo, std::string("Valdor Plus"));
+    QCOMPARE(b.dialogos.mensajes[1].titulo, std::string("VALDOR+"));
     QCOMPARE(b.dialogos.mensajes[1].icono, Icono::Critico);
     QVERIFY(b.dialogos.mensajes[1].texto.starts_with("No se puede guardar el fichero"));
   }
@@ -269,6 +280,7 @@ class PruebaEditorFicheros : public QObject {
     QVERIFY(b.f->isVisible());
 
     b.edita(1, QString());
+    b.dialogos.guardados = {Guardado::Descartar};
     b.pulsa("can");
     QVERIFY(!b.f->isVisible());
     QCOMPARE(b.guardado(), bytes);
@@ -287,6 +299,62 @@ class PruebaEditorFicheros : public QObject {
     QCoreApplication::processEvents();
     QVERIFY(b.dialogos.mensajes.empty());
     QCOMPARE(b.guardado(), bytes);
+  }
+
+  // Escape, "Cancelar" and the window's close ask before unsaved edits are dropped; the
+  // title names the file and marks the edits.
+  void conCambiosSinGuardarCerrarPreguntaGuardarDescartarOCancelar() {
+    Banco b;
+    const std::string cierre4 = cierre("0000100000004");
+    b.abre({ETI, EMP, RZS, cierre4});
+    QCOMPARE(b.f->windowTitle(), QStringLiteral("Edición del fichero C:\\WINSUITE\\VIPTC2\\FAN\\F2211260.FAN[*]"));
+    QVERIFY(!b.f->isWindowModified());
+    QTest::keyClick(b.f.get(), Qt::Key_Escape);  // nothing to lose: no question
+    QVERIFY(!b.f->isVisible() && b.dialogos.preguntas.empty());
+
+    b.abre();
+    const std::string otra = "RZS" + std::string(67, 'S');
+    b.edita(2, q(otra));
+    QVERIFY(b.f->isWindowModified());
+    // Cancelar (also the box's Escape) stays, with the edit.
+    QTest::keyClick(b.f.get(), Qt::Key_Escape);
+    QVERIFY(b.f->isVisible());
+    QCOMPARE(b.dialogos.preguntas.size(), std::size_t{1});
+    QVERIFY(b.dialogos.preguntas[0].texto.find("F2211260.FAN tiene cambios sin guardar") != std::string::npos);
+    QCOMPARE(b.celda(2, 1), q(otra));
+    // The window's close asks too; Guardar saves and closes.
+    b.dialogos.guardados = {Guardado::Guardar};
+    b.f->close();
+    QVERIFY(!b.f->isVisible());
+    QCOMPARE(b.guardado(), fichero({ETI, EMP, otra, cierre4}));
+    QVERIFY(b.dialogos.mensajes.empty());
+  }
+
+  // The company name and the surnames hold the DOS accent table's bytes, the given name
+  // Windows-1252: each shows its letters, and one surname typed anew is written as the
+  // writer writes it while every other byte stays.
+  void unCampoEditadoSeEscribeComoElEscritorYElRestoByteAByte() {
+    Banco b;
+    auto ancho = [](std::string t, std::size_t n) { return t.append(n - t.size(), ' '); };
+    // "Café Nórdico": the table (é 130, ó 162), then capitals. "Muñoz Peña, José": the
+    // surnames in capitals, then the table (Ñ 165); the given name as it is (É 201).
+    const std::string rzs = "RZS01" + ancho("CAF\x82 N\xA2RDICO", 55) + std::string(10, ' ');
+    const std::string ayn = "AYN" + ancho("MU\xA5OZ", 20) + ancho("PE\xA5" "A", 20) + ancho("JOS\xC9", 15) +
+                            std::string(12, ' ');
+    const std::string pie = cierre("0000000000004");
+    b.abre({ETI, rzs, ayn, pie});
+    QCOMPARE(b.celda(1, 1), q(rzs).replace(5, 12, QStringLiteral("CAFé NóRDICO")));
+    QCOMPARE(b.celda(2, 1), q(ayn).replace(3, 4, QStringLiteral("MUÑO")).replace(23, 4, QStringLiteral("PEÑA")));
+    QVERIFY(b.celda(2, 1).contains(QStringLiteral("JOSÉ")));
+
+    // The second surname retyped: capitals, then the table (Ú 163, Ñ 165).
+    b.edita(2, b.celda(2, 1).replace(23, 20, QStringLiteral("Núñez").leftJustified(20)));
+    QCOMPARE(b.celda(2, 1).mid(23, 5), QStringLiteral("NúÑEZ"));
+    b.pulsa("guar");
+    QVERIFY(b.dialogos.preguntas.empty());
+    const std::string nueva = "AYN" + ancho("MU\xA5OZ", 20) + ancho("N\xA3\xA5" "EZ", 20) + ancho("JOS\xC9", 15) +
+                              std::string(12, ' ');
+    QCOMPARE(b.guardado(), fichero({ETI, rzs, nueva, pie}));
   }
 
   void elSelectorMuestraLasCarpetasYAbreElEditorSoloSobreUnFichero() {
@@ -333,7 +401,7 @@ class PruebaEditorFicheros : public QObject {
     {
       EditorAbierto editor(&s);
       pulsa(cotizacion->child(0));
-      QCOMPARE(editor.titulo, QStringLiteral("Edición del Fichero C:\\WINSUITE\\VIPTC2\\FAN\\a1511260.fan"));
+      QCOMPARE(editor.titulo, QStringLiteral("Edición del fichero C:\\WINSUITE\\VIPTC2\\FAN\\a1511260.fan[*]"));
       QCOMPARE(editor.filas, 3);  // 216 bytes
     }
     EditorAbierto editor(&s);
