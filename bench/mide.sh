@@ -28,7 +28,7 @@ tc1="$raiz/build/valdor-tc1"
 
 # The MD5 of the FAN file of the default sizes (2.000 and 4.000 companies of 25 workers,
 # October 2026, written at 2026-11-15 07:30 under the name "bench").
-declare -A SUMA=([2000x25]=22e9be8e2d8cfd012569d15050c248ea [4000x25]=f5b9c5822396e983860ed399abda5c8d)
+declare -A SUMA=([2000x25]=a25a8d655f8200e8f8a1b7c3519315dd [4000x25]=f9015dd4dceecec13a4d2f3b0ae0018d)
 # The same for the sample office (October 2026, "muestra", every company, --dev-cta).
 SUMAMUESTRA=dfdd8761344247c7cb4c8ee0c8c7f3d8
 [[ -x /usr/bin/time ]] || { echo "Falta /usr/bin/time (paquete time)" >&2; exit 1; }

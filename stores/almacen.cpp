@@ -175,6 +175,7 @@ void Almacen::abre(const std::filesystem::path& ruta, OpcionesAlmacen opciones) 
   if (motor_ == Motor::Otro && std::filesystem::file_size(ruta, ec) > 0) throw errorDanado(ruta);
   copia_.reset();
 
+  preparaBibliotecaSqlite();
   sqlite3* db = nullptr;
   const int rc = sqlite3_open_v2(ruta.c_str(), &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_NOMUTEX, nullptr);
   if (rc != SQLITE_OK) {
@@ -290,6 +291,12 @@ Sentencia& Almacen::preparada(const std::string& sql) {
 }
 
 bool almacenesEnVariosHilos() { return sqlite3_threadsafe() != 0; }
+
+void preparaBibliotecaSqlite() {
+  // Before the library starts, or not at all (another part of the process started it).
+  static const int preparada = sqlite3_config(SQLITE_CONFIG_MEMSTATUS, 0);
+  (void)preparada;
+}
 
 LecturaContinua::LecturaContinua(Almacen& almacen) : almacen_(almacen) {
   if (almacen_.abierto() && sqlite3_get_autocommit(almacen_.conexion()))

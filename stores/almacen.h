@@ -288,6 +288,10 @@ class Almacen {
 // Whether stores may be read on two threads at once, each through connections of its
 // own: the SQLite library is built for it.
 bool almacenesEnVariosHilos();
+// Set once, before the first connection: the SQLite library keeps no count of its
+// memory, which would take one lock for every allocation of every connection, so that
+// two threads reading their own stores do not wait on each other.
+void preparaBibliotecaSqlite();
 
 // Writes that belong together: rolled back unless confirmed.
 class Transaccion {

@@ -350,6 +350,7 @@ class TablaEnCopia {
 };
 
 BaseEnMemoria baseNueva() {
+  preparaBibliotecaSqlite();
   sqlite3* db = nullptr;
   if (sqlite3_open_v2(":memory:", &db, SQLITE_OPEN_READWRITE | SQLITE_OPEN_CREATE | SQLITE_OPEN_NOMUTEX, nullptr) !=
       SQLITE_OK) {

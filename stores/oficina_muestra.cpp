@@ -52,11 +52,12 @@ std::string cuentaCotizacion(int provincia, long long numero) {
   return cifras(provincia, 2) + cifras(numero, 7) + cifras(nueve % 97, 2);
 }
 
-// Social Security affiliation number: province (2), number (8), and as check the first
-// ten digits taken as a number, modulo 97.
+// Social Security affiliation number: province (2), number (8), and as check modulo 97
+// the province times 10^7 plus the number when the number is below 10^7, otherwise the
+// province and the number written one after the other.
 std::string numeroAfiliacion(int provincia, long long numero) {
-  const long long diez = provincia * 100000000LL + numero;
-  return cifras(provincia, 2) + cifras(numero, 8) + cifras(diez % 97, 2);
+  const long long base = numero < 10000000LL ? provincia * 10000000LL + numero : provincia * 100000000LL + numero;
+  return cifras(provincia, 2) + cifras(numero, 8) + cifras(base % 97, 2);
 }
 
 char letraDNI(long long numero) { return "TRWAGMYFPDXBNJZSQVHLCKE"[numero % 23]; }
