@@ -101,6 +101,20 @@ fi
 
 mide "$empresas"
 t1=$SEGUNDOS
+
+# The same month's runs as the desktop makes them (statement window, statement form),
+# against the same runs without a screen, under a virtual X server when there is one.
+escritorio="$raiz/build/valdor-escritorio"
+if [[ -x "$escritorio" ]]; then
+  oficina="$raiz/build/bench/oficina-${empresas}x$trabajadores"
+  pantalla=(env QT_QPA_PLATFORM=offscreen)
+  command -v xvfb-run > /dev/null && pantalla=(xvfb-run -a -s "-screen 0 1280x1024x24")
+  WINEPREFIX="$oficina/wine" "${pantalla[@]}" "$escritorio" "$oficina/programa" "$oficina/trabajo" 10 2026 \
+    2> "$oficina/escritorio-mensajes.txt" | awk '{ t[$1] = $2 } END {
+      printf "        escritorio: fichero %.2f s frente a %.2f s sin pantalla (%+.1f %%); TC1 del formulario %.2f s frente a %.2f s (%+.1f %%)\n",
+             t["fan-escritorio"], t["fan-consola"], 100 * (t["fan-escritorio"] / t["fan-consola"] - 1),
+             t["tc1-formulario"], t["tc1-nucleo"], 100 * (t["tc1-formulario"] / t["tc1-nucleo"] - 1) }'
+fi
 mide $((empresas * 2))
 t2=$SEGUNDOS
 awk -v a="$t1" -v b="$t2" 'BEGIN { printf "Razón de tiempos (doble de empresas / sencillo): %.2f\n", (a > 0 ? b / a : 0) }'

@@ -5,6 +5,7 @@
 #include <QCursor>
 #include <QInputDialog>
 #include <QMessageBox>
+#include <QTimer>
 
 #include "shell/asistente.h"
 #include "shell/forms/texto_qt.h"
@@ -82,6 +83,11 @@ std::optional<std::string> DialogosQt::entrada(std::string_view titulo, std::str
 }
 
 void DialogosQt::progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) {
+  // A tenth of a second between two drawings at least; the start and the end of a run
+  // are always drawn.
+  constexpr qint64 INTERVALO = 100;
+  if (ultimoProgreso_.isValid() && ultimoProgreso_.elapsed() < INTERVALO && porcentaje > 0 && porcentaje < 100) return;
+  ultimoProgreso_.start();
   emit progresoCambiado(porcentaje, aQString(etiqueta1), aQString(etiqueta2));
   // The run holds the only thread: let the screen paint what it was just told, without
   // taking the user's clicks in the middle of the run.
@@ -89,12 +95,24 @@ void DialogosQt::progreso(int porcentaje, std::string_view etiqueta1, std::strin
 }
 
 void DialogosQt::puntero(Puntero p) {
-  if (p == Puntero::Normal) {
+  pedido_ = p;
+  if (punteroEnCola_) return;
+  punteroEnCola_ = true;
+  QTimer::singleShot(0, this, [this] {
+    punteroEnCola_ = false;
+    aplicaPuntero();
+  });
+}
+
+void DialogosQt::aplicaPuntero() {
+  if (pedido_ == puesto_) return;
+  puesto_ = pedido_;
+  if (pedido_ == Puntero::Normal) {
     if (punteroPuesto_) QApplication::restoreOverrideCursor();
     punteroPuesto_ = false;
     return;
   }
-  const QCursor cursor(p == Puntero::Reloj ? Qt::WaitCursor : Qt::BusyCursor);
+  const QCursor cursor(pedido_ == Puntero::Reloj ? Qt::WaitCursor : Qt::BusyCursor);
   if (punteroPuesto_) {
     QApplication::changeOverrideCursor(cursor);
   } else {

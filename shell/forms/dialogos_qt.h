@@ -3,6 +3,7 @@
 // long run, which the main window shows in its status bar and in the wizard.
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QPointer>
 #include <QString>
@@ -34,8 +35,18 @@ class DialogosQt : public QObject, public Dialogos {
  private:
   QWidget* padre() const;
 
+  void aplicaPuntero();
+
   QPointer<QWidget> ventana_;
   bool punteroPuesto_ = false;
+  // The pointer the rules asked for last, and the one on the screen. A run asks for it
+  // around every worker; the screen takes the last asked at its next turn, a few times a
+  // second at most.
+  Puntero pedido_ = Puntero::Normal;
+  Puntero puesto_ = Puntero::Normal;
+  bool punteroEnCola_ = false;
+  // The progress is drawn a few times a second at most: a run tells it for every worker.
+  QElapsedTimer ultimoProgreso_;
 };
 
 // A failure that reached a form: the Spanish message of the core's own errors, or the
