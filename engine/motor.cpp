@@ -7,6 +7,7 @@
 #include "shell/programa.h"
 #include "statement/ficherotipos.h"
 #include "statement/liquidacion.h"
+#include "stores/literales.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
 
@@ -152,6 +153,12 @@ void ejecutaTC1(Programa& programa, const EjecucionTC1& e) {
     tc1.CARGAEMPRESA(e.empresa, true);
   }
   if (e.empresaCalculada) e.empresaCalculada(calculo);
+}
+
+std::string_view textoOrigenTC1(bool todasLasEmpresas) {
+  if (!todasLasEmpresas) return "Cifras del cálculo de esta empresa sola, con todos sus pasos."_cp;
+  return "Cifras del cálculo de todas las empresas, que no lleva las columnas de maternidad, las horas de "
+         "formación ni la regla de TRA39: calculada sola, una empresa con esos casos puede dar otras cifras."_cp;
 }
 
 }  // namespace valdor

@@ -85,4 +85,9 @@ struct EjecucionTC1 {
 };
 void ejecutaTC1(Programa& programa, const EjecucionTC1& ejecucion);
 
+// What the statement form says of the figures it shows: which run made them, and, after
+// the all-companies run, that it leaves out the maternity columns, the training hours
+// and the TRA39 rule, so that a company worked out alone can show other figures.
+std::string_view textoOrigenTC1(bool todasLasEmpresas);
+
 }  // namespace valdor
