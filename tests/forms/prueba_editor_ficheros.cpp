@@ -326,6 +326,27 @@ class PruebaEditorFicheros : public QObject {
     QCOMPARE(b.guardado(), fichero(lineas));
   }
 
+  // While the wizard's forms live, a file just written is checked before it takes its
+  // name: its findings go to the question that offers the editor, and the file is kept.
+  void elFicheroEscritoDesdeElEscritorioSeRevisaYSusHallazgosVanALaPregunta() {
+    Banco b;
+    std::vector<std::string> lineas = ficheroCorrecto();
+    lineas[3].replace(13, 2, "41");
+    escribeBytes(b.fan / "escrito.tmp", fichero(lineas));
+    PaginaIntercambio pagina;
+    {
+      formularios::FormulariosQt formularios(b.p, pagina, nullptr);
+      b.p.revisaEscrito(b.fan / "escrito.tmp", b.fan / "F2211260.FAN");
+    }
+    QVERIFY(!b.p.revisaEscrito);
+    const std::string pregunta = conHallazgos(b.p, preguntaEditarFan());
+    QVERIFY(pregunta.starts_with(std::string("El fichero \"")
+                                     .append((b.fan / "F2211260.FAN").string())
+                                     .append("\" tiene 1 hallazgo en sus campos:\nlínea 4, posiciones 4-15"_cp)));
+    QVERIFY(pregunta.ends_with(preguntaEditarFan()));
+    QVERIFY(b.p.hallazgosEscritos.empty());
+  }
+
   void buscarSubeLaPrimeraLineaConElTextoArriba() {
     Banco b;
     // Sixty lines, workers at rows 10 and 20: enough to scroll.
