@@ -611,6 +611,7 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
   Globales& g = programa.g;
   Dialogos& dialogos = programa.dialogos();
   afi.progreso = 0;
+  programa.hallazgosEscritos.clear();
   const std::vector<std::string> anteriores = std::exchange(afi.escritos, {});
   afi.enviados.clear();
   if (afi.ficheros.empty()) return {};
@@ -644,7 +645,7 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
 
   // The question is the user's turn: no hourglass over it.
   dialogos.puntero(Puntero::Normal);
-  if (dialogos.pregunta(g.FICHEROSALIDA, preguntaEditarAfi()) && !g.FICHEROSALIDA.empty()) {
+  if (dialogos.pregunta(g.FICHEROSALIDA, conHallazgos(programa, preguntaEditarAfi())) && !g.FICHEROSALIDA.empty()) {
     g.EDITAAFI = 1;
     formularios.EDITOR();
   }

@@ -6,7 +6,9 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <iterator>
 
+#include "browser/revision.h"
 #include "stores/ficheros.h"
 #include "stores/literales.h"
 #include "stores/numeros.h"
@@ -245,7 +247,11 @@ std::vector<std::string> informeRevision(const std::vector<std::string>& lineas,
   return informe;
 }
 
-std::optional<std::string> faltasDeLineas(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
+namespace {
+
+// The line findings of `lineas` as a save writes them: the blank ones left out, the rest
+// numbered in the saved file's order; the trailer's verdict when its counts do not tally.
+std::vector<std::string> faltasGuardadas(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
   RevisionFichero revision(tipo);
   std::vector<std::string> faltas;
   for (const std::string& l : lineas) {
@@ -257,20 +263,39 @@ std::optional<std::string> faltasDeLineas(const std::vector<std::string>& lineas
     const auto cierre = revision.cierre();
     faltas.insert(faltas.end(), cierre.begin(), cierre.end());
   }
-  if (faltas.empty()) return std::nullopt;
+  return faltas;
+}
+
+}  // namespace
+
+std::string listaLimitada(const std::vector<std::string>& textos) {
   constexpr std::size_t MOSTRADAS = 15;
   std::string texto;
-  for (std::size_t i = 0; i < std::min(MOSTRADAS, faltas.size()); ++i) texto.append(faltas[i]).append("\n");
-  if (faltas.size() > MOSTRADAS)
-    texto.append("... y ").append(std::to_string(faltas.size() - MOSTRADAS)).append(std::string(" más.\n"_cp));
+  for (std::size_t i = 0; i < std::min(MOSTRADAS, textos.size()); ++i) texto.append(textos[i]).append("\n");
+  if (textos.size() > MOSTRADAS)
+    texto.append("... y ").append(std::to_string(textos.size() - MOSTRADAS)).append(std::string(" más.\n"_cp));
   return texto;
 }
 
+std::optional<std::string> faltasDeLineas(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
+  const auto faltas = faltasGuardadas(lineas, tipo);
+  if (faltas.empty()) return std::nullopt;
+  return listaLimitada(faltas);
+}
+
 std::optional<std::string> avisoAlGuardar(const std::vector<std::string>& lineas, TipoIntercambio tipo) {
-  const auto faltas = faltasDeLineas(lineas, tipo);
-  if (!faltas) return std::nullopt;
+  std::vector<std::string> faltas = faltasGuardadas(lineas, tipo);
+  std::vector<std::string> guardadas;
+  std::copy_if(lineas.begin(), lineas.end(), std::back_inserter(guardadas),
+               [](const std::string& l) { return !recorta(l).empty(); });
+  for (const Hallazgo& h : revisaCampos(guardadas, tipo)) {
+    std::string texto = textoHallazgo(h);
+    texto.front() = 'L';  // "línea N, ..." opens its line of the list
+    faltas.push_back(std::move(texto));
+  }
+  if (faltas.empty()) return std::nullopt;
   return std::string("El fichero no pasa la revisión:\n"_cp)
-      .append(*faltas)
+      .append(listaLimitada(faltas))
       .append(std::string("\n¿Desea guardarlo así de todos modos?"_cp));
 }
 

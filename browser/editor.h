@@ -144,7 +144,10 @@ std::vector<std::string> informeRevision(const std::vector<std::string>& lineas,
 // counts when they do not tally, one a line, the first 15 and how many more.
 // std::nullopt when all is right.
 std::optional<std::string> faltasDeLineas(const std::vector<std::string>& lineas, TipoIntercambio tipo);
-// The editor's warning before it saves lines that fail the check: the findings, and
+// The first 15 texts, one a line, and how many more.
+std::string listaLimitada(const std::vector<std::string>& textos);
+// The editor's warning before it saves lines that fail the check or hold field findings
+// (browser/revision.h): all of them in one list, numbered as in the saved file, and
 // whether to save all the same.
 std::optional<std::string> avisoAlGuardar(const std::vector<std::string>& lineas, TipoIntercambio tipo);
 

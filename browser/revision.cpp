@@ -197,12 +197,23 @@ std::optional<std::string> faltaDeCuota(std::string_view linea) {
 
 }  // namespace
 
+std::string textoPosiciones(const Hallazgo& h) {
+  if (h.desde == h.hasta) return std::string("posición "_cp).append(std::to_string(h.desde));
+  return std::string("posiciones ").append(std::to_string(h.desde)).append("-").append(std::to_string(h.hasta));
+}
+
 std::string textoHallazgo(const Hallazgo& h) {
-  std::string t = std::string("línea "_cp).append(std::to_string(h.linea));
-  if (h.desde == h.hasta) t.append(std::string(", posición "_cp)).append(std::to_string(h.desde));
-  else t.append(", posiciones ").append(std::to_string(h.desde)).append("-").append(std::to_string(h.hasta));
-  return t.append(" (").append(h.campo).append("): \"").append(imprimible(h.valor)).append("\" ").append(
-      std::string("— "_cp)).append(h.regla);
+  return std::string("línea "_cp)
+      .append(std::to_string(h.linea))
+      .append(", ")
+      .append(textoPosiciones(h))
+      .append(" (")
+      .append(h.campo)
+      .append("): \"")
+      .append(imprimible(h.valor))
+      .append("\" ")
+      .append(std::string("— "_cp))
+      .append(h.regla);
 }
 
 std::vector<Hallazgo> hallazgosDeLinea(std::string_view linea, std::uintmax_t numero, TipoIntercambio tipo,
@@ -392,6 +403,30 @@ std::vector<Hallazgo> revisaCampos(const std::vector<std::string>& lineas, TipoI
   auto h = revision.cierre();
   todos.insert(todos.end(), h.begin(), h.end());
   return todos;
+}
+
+std::string avisoDeHallazgos(const std::filesystem::path& destino, const std::vector<Hallazgo>& hallazgos) {
+  std::vector<std::string> textos;
+  for (const Hallazgo& h : hallazgos) textos.push_back(textoHallazgo(h));
+  return std::string("El fichero ")
+      .append(entreComillas(destino))
+      .append(" tiene ")
+      .append(std::to_string(hallazgos.size()))
+      .append(hallazgos.size() == 1 ? " hallazgo en sus campos:\n" : " hallazgos en sus campos:\n")
+      .append(listaLimitada(textos));
+}
+
+RevisionEscrito revisionDeEscritos(AvisoHallazgos avisa, std::optional<std::string> estricto,
+                                   std::optional<PeriodoFichero> periodo) {
+  return [avisa = std::move(avisa), estricto = std::move(estricto), periodo](const std::filesystem::path& escrito,
+                                                                            const std::filesystem::path& destino) {
+    const auto hallazgos = revisaFichero(escrito, tipoDeFichero(destino.filename().string()), periodo);
+    if (hallazgos.empty()) return;
+    avisa(destino, hallazgos);
+    if (estricto)
+      throw ErrorFichero(std::to_string(hallazgos.size()) + " hallazgos en los campos de " + entreComillas(destino) +
+                         ", y " + *estricto + " no se escribe.");
+  };
 }
 
 }  // namespace valdor

@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <filesystem>
+#include <functional>
 #include <map>
 #include <optional>
 #include <string>
@@ -15,6 +16,7 @@
 #include <vector>
 
 #include "browser/editor.h"
+#include "stores/ficheros.h"
 
 namespace valdor {
 
@@ -29,6 +31,8 @@ struct Hallazgo {
 
 // "línea N, posiciones a-b (campo): "valor" — regla". Windows-1252.
 std::string textoHallazgo(const Hallazgo& h);
+// "posiciones a-b", or "posición a" for a field of one character. Windows-1252.
+std::string textoPosiciones(const Hallazgo& h);
 
 // The month of a contribution file: every employer line and every line of days carries it.
 struct PeriodoFichero {
@@ -89,5 +93,17 @@ std::vector<Hallazgo> revisaFichero(const std::filesystem::path& fichero, TipoIn
 
 // The field findings of lines held in memory (the editor's), in order.
 std::vector<Hallazgo> revisaCampos(const std::vector<std::string>& lineas, TipoIntercambio tipo);
+
+// The box after a job: the file, how many findings, and the first of them, one a line.
+std::string avisoDeHallazgos(const std::filesystem::path& destino, const std::vector<Hallazgo>& hallazgos);
+
+// What a job does with each exchange file it writes, before the file takes its name
+// (`destino`): the file's field findings go to `avisa`, and with `estricto` (what made
+// the check strict, for the message: "con --estricto") a finding keeps the file from its
+// name: ErrorFichero, saying how many. A contribution file's period is `periodo` when
+// given, else its first employer line's.
+using AvisoHallazgos = std::function<void(const std::filesystem::path& destino, const std::vector<Hallazgo>& hallazgos)>;
+RevisionEscrito revisionDeEscritos(AvisoHallazgos avisa, std::optional<std::string> estricto,
+                                   std::optional<PeriodoFichero> periodo = std::nullopt);
 
 }  // namespace valdor

@@ -219,15 +219,12 @@ void preparaPaginaDeOpciones(const Opciones& o, const PaginaIntercambio& cajas, 
 // The field checks of each exchange file just written, before it takes its name: the
 // findings on the error output, and with --estricto no file when there is one.
 RevisionEscrito revisionDeEscritos(bool estricto, std::optional<PeriodoFichero> periodo = std::nullopt) {
-  return [=](const std::filesystem::path& escrito, const std::filesystem::path& destino) {
-    const auto hallazgos = revisaFichero(escrito, tipoDeFichero(destino.filename().string()), periodo);
-    if (hallazgos.empty()) return;
+  const auto avisa = [](const std::filesystem::path& destino, const std::vector<Hallazgo>& hallazgos) {
     escribeLinea(std::cerr, "Hallazgos en los campos de " + entreComillas(destino) + ":");
     for (const Hallazgo& h : hallazgos) escribeLinea(std::cerr, textoHallazgo(h));
-    if (estricto)
-      throw ErrorFichero(std::to_string(hallazgos.size()) + " hallazgos en los campos de " + entreComillas(destino) +
-                         ", y con --estricto no se escribe.");
   };
+  return valdor::revisionDeEscritos(avisa, estricto ? std::optional<std::string>("con --estricto") : std::nullopt,
+                                    periodo);
 }
 
 // A file of the page's name already in the folder is replaced only with --reemplazar;

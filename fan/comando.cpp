@@ -262,6 +262,7 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
   // could not be read (even one a rule read as empty), a line that is not whole, an
   // error shown. Otherwise no file, and an old one of that name stays as it was.
   const MarcaTrabajo inicio = programa.marca();
+  programa.hallazgosEscritos.clear();
   // Whatever the companies' TC1 runs kept open, or still work on, is let go when the
   // file is done or given up.
   struct FinTC1 {

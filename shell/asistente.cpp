@@ -4,6 +4,7 @@
 #include <chrono>
 #include <ctime>
 #include <system_error>
+#include <utility>
 
 #include "shell/programa.h"
 #include "stores/literales.h"
@@ -55,6 +56,12 @@ std::string_view preguntaEditarFan() {
          "sintaxis?"_cp;
 }
 std::string_view tituloValdor() { return "VALDOR+"; }
+
+std::string conHallazgos(Programa& programa, std::string_view pregunta) {
+  std::string texto = std::exchange(programa.hallazgosEscritos, {});
+  if (!texto.empty()) texto.append("\n");
+  return texto.append(pregunta);
+}
 
 // ---- The page -------------------------------------------------------------------------
 
@@ -395,7 +402,7 @@ void fan2(Programa& programa, PaginaIntercambio& pagina, FormulariosIntercambio&
   if (g.LINEALARGA == 1) dialogos.mensaje(tituloValdor(), textoLineaLarga(), Icono::Exclamacion);
   dialogos.puntero(Puntero::Normal);
   g.LANZADOR = mayusculas(recorta(g.RUTAWS));
-  if (dialogos.pregunta(tituloValdor(), preguntaEditarFan()) && !g.LANZADOR.empty()) formularios.EDITOR();
+  if (dialogos.pregunta(tituloValdor(), conHallazgos(programa, preguntaEditarFan())) && !g.LANZADOR.empty()) formularios.EDITOR();
   pagina.ponGuia(std::string(textoActivaWinsuite()) + g.RUTAWS);
   if (!g.LANZADOR.empty()) arrancaHerramienta(programa, g.LANZADOR, lanzador, entorno);
 }

@@ -37,6 +37,9 @@ std::string_view textoExcluidas();
 // characters and was kept cut.
 std::string_view textoLineaLarga();
 std::string_view preguntaEditarFan();
+// The question that offers to edit the file just written, after what the look at the
+// job's files found (Programa::hallazgosEscritos, emptied by this).
+std::string conHallazgos(Programa& programa, std::string_view pregunta);
 std::string_view tituloValdor();            // the program's own title for its boxes
 
 // ---- The page ---------------------------------------------------------------------

@@ -76,6 +76,10 @@ class Programa {
   // What looks at each exchange file the writers make, before it takes its name (the
   // field checks, when the caller asks for them); none by default.
   RevisionEscrito revisaEscrito;
+  // What that look found in the files of the job under way, for a person ("" when
+  // nothing): the question that offers to edit the file shows it first. Each writer
+  // empties it as it starts.
+  std::string hallazgosEscritos;
 
   Dialogos& dialogos() { return dialogos_; }
 

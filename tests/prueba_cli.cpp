@@ -234,6 +234,43 @@ TEST(Cli, FanEscribeElFicheroDeLaMuestraYAcabaConSuRuta) {
   EXPECT_EQ(valdor(c, {"fan", "--nombre", "NUEVENUEV"}).estado, 2);
 }
 
+// A worker's Social Security number with a wrong check digit, as a payroll typed it, goes
+// into the file as it stands; the check after the writing tells it, and with --estricto
+// the file is not written. Worker 28 12345678: 2812345678 mod 97 = 40, so "...41" is wrong.
+TEST(Cli, UnHallazgoEnElFicheroEscritoSeDiceYConEstrictoNoHayFichero) {
+  CarpetaTemporal c;
+  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
+  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
+  {
+    Almacen mes;
+    mes.abre(c / "programa" / "PX202610.MDB");
+    ASSERT_EQ(mes.ejecuta("UPDATE NOMIN SET BAFI = '281234567841' WHERE BAFI = '281234567840'"), 1);
+  }
+  const fs::path carpetaFan = c / "wine/drive_c/WINSUITE/VIPTC2/FAN";
+  const std::vector<std::string> fan{"--ahora", "2026-11-15 07:30", "fan", "--mes", "10", "--ano", "2026"};
+  auto r = valdor(c, fan);
+  EXPECT_EQ(r.estado, 0) << r.errores;
+  EXPECT_TRUE(fs::exists(carpetaFan / "F1511260.FAN"));
+  EXPECT_NE(r.errores.find("Hallazgos en los campos de \"" + (carpetaFan / "F1511260.FAN").string() + "\":"),
+            std::string::npos)
+      << r.errores;
+  const std::string regla(
+      ", posiciones 4-15 (número de afiliación): \"281234567841\" — el dígito de control del número de afiliación es "
+      "40 (módulo 97)");  // the command line writes UTF-8
+  EXPECT_NE(r.errores.find(regla), std::string::npos) << r.errores;
+
+  auto estricto = fan;
+  estricto.insert(estricto.end(), {"--nombre", "estricto", "--estricto"});
+  r = valdor(c, estricto);
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_NE(r.errores.find(regla), std::string::npos) << r.errores;
+  EXPECT_NE(r.errores.find("y con --estricto no se escribe."), std::string::npos) << r.errores;
+  // Neither the file nor its temporary copy is left: only the first run's file.
+  std::vector<fs::path> ficheros;
+  for (const auto& f : fs::directory_iterator(carpetaFan)) ficheros.push_back(f.path().filename());
+  EXPECT_EQ(ficheros, std::vector<fs::path>{"F1511260.FAN"});
+}
+
 // Two runs at the same moment never meet under one default name; a name that is taken is
 // replaced only with --reemplazar; a transmission tool that does not start fails the job,
 // saying what was run and why.

@@ -7,37 +7,15 @@
 
 #include "browser/revision.h"
 #include "browser/segmentos.h"
+#include "stores/literales.h"
+#include "tests/fan_revisado.h"
 
 namespace valdor {
 namespace {
 
-std::string b(std::size_t n) { return std::string(n, ' '); }
-std::string z(std::size_t n) { return std::string(n, '0'); }
-
-// One company of one worker, month 10 of 2026. Account 28 1234567: 281234567 mod 97 = 42.
-// Worker 28 12345678: 2812345678 mod 97 = 40. DNI 87654321: mod 23 = 10, "X"; the
-// company's 12345678: mod 23 = 14, "Z". The TC1: 1235.56 at 23.60 % is 291.59216, 291.59.
-std::vector<std::string> ficheroCorrecto() {
-  return {
-      "ETITC220VIP2800000123ABCDEFGH202611150730F1511260FANN " + z(14) + b(2),
-      "EMP011128123456742" "1   " "0000012345678Z" "  0111" "28123456742" "202610" "10" "L00" "00" "   E",
-      "RZS01" "PANADERIA LOPEZ" + b(40) + b(10),
-      "TRA" "281234567840" "1" + b(3) + "0000087654321X" "001" + b(25) + "000" + b(6),
-      "AYN" "GARCIA" + b(14) + "LOPEZ" + b(15) + "ANA" + b(12) + "AGL  " + b(7),
-      "DAT0" "0010" + b(6) + " " "030" "00" " " + b(2) + "0000" + b(2) + "01" + b(4) + "100" "000" "000" "000" + b(15) +
-          "CONV001" " ",
-      "EDLBA02000" "0123456" " " + z(26) + b(26),
-      "EDLBA10000" "0000100" " " + z(26) + b(26),
-      "EDLCD06" "030" "0000500" " 02" "20261001" + z(16) + b(26),
-      "TCT001  " "000001" "000000" + b(28) + z(8) + b(14),
-      "EDTBA02000" "00000123556" " " + z(19) + b(29),
-      "EDTCD06000" + z(11) + " " + z(8) + "00000000500" " " + b(28),
-      "EDTCA01000" "00000123556" "T" "023" "60000" "00000029159" + b(29),
-      "EDTTT10000" + z(11) + " " + z(8) + "00000029159" " " + b(28),
-      "EDTTT91000" + z(11) + " " + z(8) + "00000029159" " " + b(28),
-      "ETFTC220VIP2800000123ABCDEFGH202611150730F1511260FANN 0000100000016   ",
-  };
-}
+using pruebas::b;
+using pruebas::ficheroCorrecto;
+using pruebas::z;
 
 TEST(Revision, ElFicheroEscritoSegunSusDisenosNoTieneHallazgos) {
   const auto lineas = ficheroCorrecto();
@@ -109,6 +87,24 @@ TEST(Revision, LaLiquidacionHaDeCuadrarConLasLineasQueSuma) {
   ASSERT_EQ(h.size(), 1u);
   EXPECT_EQ(h[0].linea, 14u);
   EXPECT_EQ(h[0].valor, "EDTCD06000");
+}
+
+// The editor's one question before a save: the line checks and the field findings in one
+// list, numbered as in the saved file, where the blank row is gone.
+TEST(Revision, AntesDeGuardarSeListanLasFaltasDeLineaYLosHallazgosDeCampo) {
+  EXPECT_FALSE(avisoAlGuardar(ficheroCorrecto(), TipoIntercambio::FAN));
+  auto l = ficheroCorrecto();
+  l[3].replace(13, 2, "41");    // the worker's check digits, which are 40
+  l.insert(l.begin() + 1, "");  // dropped by the save
+  l.push_back("TRAcorta");      // the 17th line of the saved file; the trailer counts 16
+  const auto aviso = avisoAlGuardar(l, TipoIntercambio::FAN);
+  ASSERT_TRUE(aviso);
+  EXPECT_EQ(*aviso, std::string("El fichero no pasa la revisión:\n"
+                                "Línea 17: tiene 8 caracteres y debe tener 70.\n"
+                                "El cierre ETF cuenta 16 líneas y el fichero tiene 17.\n"
+                                "Línea 4, posiciones 4-15 (número de afiliación): \"281234567841\" — el dígito de "
+                                "control del número de afiliación es 40 (módulo 97)\n"
+                                "\n¿Desea guardarlo así de todos modos?"_cp));
 }
 
 }  // namespace

@@ -1,20 +1,28 @@
 #include "browser/forms/editor.h"
 
+#include <QApplication>
 #include <QFontDatabase>
 #include <QHBoxLayout>
 #include <QHeaderView>
+#include <QHelpEvent>
 #include <QLabel>
 #include <QLineEdit>
+#include <QPainter>
 #include <QPointer>
+#include <QSplitter>
 #include <QStyle>
 #include <QStyledItemDelegate>
 #include <QTableWidget>
+#include <QTextLayout>
 #include <QTimer>
+#include <QToolTip>
 #include <QVBoxLayout>
 #include <algorithm>
 #include <exception>
 #include <functional>
+#include <map>
 #include <system_error>
+#include <utility>
 
 #include "shell/asistente.h"
 #include "shell/forms/cabecera.h"
@@ -37,6 +45,10 @@ constexpr int LONGITUDLINEA = 70;
 // A marked row: its findings in dark red on light red.
 constexpr QRgb FONDOOBSERVACION = 0xf8d7d7;
 constexpr QRgb TEXTOOBSERVACION = 0x9c1c1c;
+// A field in error inside its line: white on dark red, so that it stands out of the row
+// whether the row is selected or not.
+constexpr QRgb FONDOCAMPO = 0xc62828;
+constexpr QRgb TEXTOCAMPO = 0xffffff;
 
 // The cells around the line only show: neither the number, nor the length, nor the
 // findings are edited.
@@ -53,7 +65,9 @@ QString cuenta(long n, const QString& uno, const QString& varios) {
 }  // namespace
 
 // The edit of a line: one line of text cut at 70 characters. The model takes the text
-// only when `acepta` lets it; a refused edit leaves the cell as it was.
+// only when `acepta` lets it; a refused edit leaves the cell as it was. The line's cell
+// is drawn with its fields in error (EDITOR::MARCAS) in their colour, and the pointer
+// over one of them shows its rule.
 class EdicionLinea : public QStyledItemDelegate {
  public:
   EdicionLinea(std::function<bool(const QString&)> acepta, QObject* padre)
@@ -73,6 +87,65 @@ class EdicionLinea : public QStyledItemDelegate {
     QStyledItemDelegate::setModelData(editor, modelo, indice);
   }
 
+  // The cell as the style draws it, without its text; then the text, one layout with the
+  // marked fields' colours.
+  void paint(QPainter* pintor, const QStyleOptionViewItem& opcion, const QModelIndex& indice) const override {
+    const QVariantList marcas = indice.data(EDITOR::MARCAS).toList();
+    if (marcas.isEmpty()) {
+      QStyledItemDelegate::paint(pintor, opcion, indice);
+      return;
+    }
+    QStyleOptionViewItem o = opcion;
+    initStyleOption(&o, indice);
+    const QString texto = o.text;
+    o.text.clear();
+    const QWidget* vista = o.widget;
+    QStyle* estilo = vista ? vista->style() : QApplication::style();
+    estilo->drawControl(QStyle::CE_ItemViewItem, &o, pintor, vista);
+    QTextLayout capa(texto, o.font);
+    QList<QTextLayout::FormatRange> formatos;
+    for (const QVariant& m : marcas) {
+      const QVariantMap marca = m.toMap();
+      QTextLayout::FormatRange f;
+      f.start = marca.value(QStringLiteral("desde")).toInt();
+      f.length = marca.value(QStringLiteral("ancho")).toInt();
+      f.format.setBackground(QColor(FONDOCAMPO));
+      f.format.setForeground(QColor(TEXTOCAMPO));
+      formatos << f;
+    }
+    capa.setFormats(formatos);
+    capa.beginLayout();
+    QTextLine linea = capa.createLine();
+    capa.endLayout();
+    const QRect zona = zonaTexto(o);
+    pintor->save();
+    pintor->setPen(o.palette.color(o.state & QStyle::State_Selected ? QPalette::HighlightedText : QPalette::Text));
+    capa.draw(pintor, QPointF(zona.left(), zona.top() + (zona.height() - linea.height()) / 2));
+    pintor->restore();
+  }
+
+  // Over a marked field, its rule; elsewhere, what the cell says.
+  bool helpEvent(QHelpEvent* evento, QAbstractItemView* vista, const QStyleOptionViewItem& opcion,
+                 const QModelIndex& indice) override {
+    if (evento->type() != QEvent::ToolTip) return QStyledItemDelegate::helpEvent(evento, vista, opcion, indice);
+    QStyleOptionViewItem o = opcion;
+    initStyleOption(&o, indice);
+    QTextLayout capa(o.text, o.font);
+    capa.beginLayout();
+    QTextLine linea = capa.createLine();
+    capa.endLayout();
+    const int caracter = linea.xToCursor(evento->pos().x() - zonaTexto(o).left(), QTextLine::CursorOnCharacter);
+    for (const QVariant& m : indice.data(EDITOR::MARCAS).toList()) {
+      const QVariantMap marca = m.toMap();
+      const int desde = marca.value(QStringLiteral("desde")).toInt();
+      if (caracter >= desde && caracter < desde + marca.value(QStringLiteral("ancho")).toInt()) {
+        QToolTip::showText(evento->globalPos(), marca.value(QStringLiteral("regla")).toString(), vista);
+        return true;
+      }
+    }
+    return QStyledItemDelegate::helpEvent(evento, vista, opcion, indice);
+  }
+
   // Ends the edit still open as Enter would: the bar's commands do not take the focus, so
   // without this they would see the line as it was before the typing.
   void confirma() {
@@ -83,10 +156,21 @@ class EdicionLinea : public QStyledItemDelegate {
     emit closeEditor(e, QAbstractItemDelegate::NoHint);
   }
 
+  // The edit open now, if any.
+  QLineEdit* abierta() const { return abierta_; }
+
   // The form is going away: nothing of it is asked any more.
   void suelta() { acepta_ = nullptr; }
 
  private:
+  // Where the style puts a cell's text, inside its margin.
+  static QRect zonaTexto(const QStyleOptionViewItem& o) {
+    const QWidget* vista = o.widget;
+    QStyle* estilo = vista ? vista->style() : QApplication::style();
+    const int margen = estilo->pixelMetric(QStyle::PM_FocusFrameHMargin, nullptr, vista) + 1;
+    return estilo->subElementRect(QStyle::SE_ItemViewItemText, &o, vista).adjusted(margen, 0, -margen, 0);
+  }
+
   std::function<bool(const QString&)> acepta_;
   mutable QPointer<QLineEdit> abierta_;
 };
@@ -153,6 +237,8 @@ void EDITOR::construye() {
   // The status line: the trailer's counts against the lines, and the marked lines.
   cierre_ = new QLabel(this);
   cierre_->setObjectName(QStringLiteral("cierre"));
+  campos_ = new QLabel(this);
+  campos_->setObjectName(QStringLiteral("campos"));
   observaciones_ = new QLabel(this);
   observaciones_->setObjectName(QStringLiteral("observaciones"));
   observaciones_->setAlignment(Qt::AlignRight | Qt::AlignVCenter);
@@ -162,15 +248,47 @@ void EDITOR::construye() {
   auto* capaEstado = new QHBoxLayout(estado);
   capaEstado->setContentsMargins(8, 4, 8, 4);
   capaEstado->addWidget(cierre_, 1);
+  capaEstado->addWidget(campos_);
+  capaEstado->addSpacing(16);
   capaEstado->addWidget(observaciones_);
+
+  construyePanel();
+  auto* division = new QSplitter(Qt::Vertical, this);
+  division->setChildrenCollapsible(false);
+  division->addWidget(REJILLA_);
+  division->addWidget(HALLAZGOS_);
+  division->setStretchFactor(0, 4);
+  division->setStretchFactor(1, 1);
 
   auto* cuerpo = new QVBoxLayout;
   cuerpo->setContentsMargins(12, 10, 12, 12);
   cuerpo->setSpacing(6);
-  cuerpo->addWidget(REJILLA_, 1);
+  cuerpo->addWidget(division, 1);
   cuerpo->addWidget(estado);
 
   colocaForma(this, barra, cabecera, cuerpo);
+}
+
+// The panel of field findings: one row each, in the file's order; a click goes to it.
+void EDITOR::construyePanel() {
+  HALLAZGOS_ = new QTableWidget(0, H_COLUMNAS, this);
+  HALLAZGOS_->setObjectName(QStringLiteral("HALLAZGOS"));
+  HALLAZGOS_->setHorizontalHeaderLabels({q("Línea"_cp), QStringLiteral("Posiciones"), QStringLiteral("Campo"),
+                                         QStringLiteral("Valor"), QStringLiteral("Regla")});
+  HALLAZGOS_->verticalHeader()->hide();
+  HALLAZGOS_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  HALLAZGOS_->setSelectionBehavior(QAbstractItemView::SelectRows);
+  HALLAZGOS_->setSelectionMode(QAbstractItemView::SingleSelection);
+  HALLAZGOS_->setWordWrap(false);
+  HALLAZGOS_->horizontalHeader()->setStretchLastSection(true);
+  HALLAZGOS_->horizontalHeader()->setHighlightSections(false);
+  const QFontMetrics medida = HALLAZGOS_->fontMetrics();
+  HALLAZGOS_->setColumnWidth(H_LINEA, medida.horizontalAdvance(QStringLiteral("000000")) + 24);
+  HALLAZGOS_->setColumnWidth(H_POSICIONES, medida.horizontalAdvance(QStringLiteral("Posiciones")) + 24);
+  HALLAZGOS_->setColumnWidth(H_CAMPO, medida.horizontalAdvance(QStringLiteral("cuenta de cotización")) + 24);
+  HALLAZGOS_->setColumnWidth(H_VALOR, medida.horizontalAdvance(QStringLiteral("00000000000000")) + 24);
+  connect(HALLAZGOS_, &QTableWidget::cellClicked, this, [this](int fila, int) { vaAHallazgo(fila); });
+  connect(HALLAZGOS_, &QTableWidget::cellActivated, this, [this](int fila, int) { vaAHallazgo(fila); });
 }
 
 // The rows the file's size suggests, then a row per line: its number, the line and its
@@ -223,6 +341,7 @@ void EDITOR::carga() {
   detalle_ = q(g.FICHEROSALIDA) + QStringLiteral("   \u2014   ") + clase + QStringLiteral(", ") +
              cuenta(static_cast<long>(leidas), QStringLiteral("línea"), QStringLiteral("líneas"));
   fichero_->setText(detalle_);
+  revisaLosCampos();
   muestraCierre();
 }
 
@@ -335,6 +454,7 @@ void EDITOR::cambiaCelda(QTableWidgetItem* celda) {
   linea = nueva;
   marcaModificado(true);
   revisaFila(celda->row());
+  revisaLosCampos();
   muestraCierre();
 }
 
@@ -415,6 +535,77 @@ void EDITOR::muestraCierre() {
                                         : cuenta(marcadas, QStringLiteral("línea con observaciones"),
                                                  QStringLiteral("líneas con observaciones")) +
                                               QStringLiteral(" (columna Revisión)."));
+}
+
+void EDITOR::revisaLosCampos() {
+  std::vector<Hallazgo> nuevos = revisaCampos(lineas_, tipo_);
+  // Each row that had or has a finding is marked again from the new findings.
+  std::map<int, std::vector<const Hallazgo*>> porFila;
+  for (const Hallazgo& h : hallazgos_) porFila[static_cast<int>(h.linea) - 1];
+  for (const Hallazgo& h : nuevos) porFila[static_cast<int>(h.linea) - 1].push_back(&h);
+  for (const auto& [fila, suyos] : porFila) marcaCampos(fila, suyos);
+  hallazgos_ = std::move(nuevos);
+  llenaPanel();
+}
+
+// The line's cell carries its fields in error for the drawing and the pointer, and all
+// its findings in its tooltip.
+void EDITOR::marcaCampos(int fila, const std::vector<const Hallazgo*>& suyos) {
+  QTableWidgetItem* celda = REJILLA_->item(fila, LINEA);
+  if (!celda) return;
+  // Findings of one field share its mark, and its tooltip gives them all.
+  std::map<std::pair<int, int>, QString> campos;
+  QStringList todas;
+  for (const Hallazgo* h : suyos) {
+    const QString regla = q(textoPosiciones(*h)) + QStringLiteral(" (") + q(h->campo) + QStringLiteral("): ") + q(h->regla);
+    QString& texto = campos[{h->desde, h->hasta}];
+    texto += (texto.isEmpty() ? QString() : QStringLiteral("\n")) + regla;
+    todas << regla;
+  }
+  QVariantList marcas;
+  for (const auto& [posiciones, regla] : campos)
+    marcas << QVariantMap{{QStringLiteral("desde"), posiciones.first - 1},
+                          {QStringLiteral("ancho"), posiciones.second - posiciones.first + 1},
+                          {QStringLiteral("regla"), regla}};
+  const bool cargando = std::exchange(cargando_, true);
+  celda->setData(MARCAS, marcas.isEmpty() ? QVariant() : QVariant(marcas));
+  celda->setToolTip(todas.join(QLatin1Char('\n')));
+  cargando_ = cargando;
+}
+
+void EDITOR::llenaPanel() {
+  HALLAZGOS_->setRowCount(static_cast<int>(hallazgos_.size()));
+  for (int i = 0; i < static_cast<int>(hallazgos_.size()); ++i) {
+    const Hallazgo& h = hallazgos_[static_cast<std::size_t>(i)];
+    const QString posiciones = h.desde == h.hasta ? QString::number(h.desde)
+                                                  : QStringLiteral("%1-%2").arg(h.desde).arg(h.hasta);
+    const QString celdas[H_COLUMNAS] = {QString::number(h.linea), posiciones, q(h.campo),
+                                        QLatin1Char('"') + q(imprimible(h.valor)) + QLatin1Char('"'), q(h.regla)};
+    for (int c = 0; c < H_COLUMNAS; ++c) {
+      auto* celda = new QTableWidgetItem(celdas[c]);
+      if (c == H_LINEA) celda->setTextAlignment(Qt::AlignRight | Qt::AlignVCenter);
+      if (c == H_REGLA) celda->setToolTip(celdas[c]);
+      HALLAZGOS_->setItem(i, c, celda);
+    }
+  }
+  const auto n = static_cast<long>(hallazgos_.size());
+  campos_->setText(n == 0 ? q("Ningún hallazgo en los campos."_cp)
+                          : cuenta(n, QStringLiteral("hallazgo"), QStringLiteral("hallazgos")) +
+                                QStringLiteral(" en los campos (lista de abajo)."));
+  campos_->setStyleSheet(n == 0 ? QString() : QStringLiteral("color: #9c1c1c; font-weight: bold;"));
+}
+
+void EDITOR::vaAHallazgo(int indice) {
+  if (indice < 0 || indice >= static_cast<int>(hallazgos_.size())) return;
+  const Hallazgo h = hallazgos_[static_cast<std::size_t>(indice)];
+  QTableWidgetItem* celda = REJILLA_->item(static_cast<int>(h.linea) - 1, LINEA);
+  if (!celda) return;
+  edicion_->confirma();
+  REJILLA_->setCurrentItem(celda);
+  REJILLA_->scrollToItem(celda, QAbstractItemView::PositionAtCenter);
+  REJILLA_->setFocus();
+  REJILLA_->editItem(celda);
+  if (QLineEdit* e = edicion_->abierta()) e->setSelection(h.desde - 1, h.hasta - h.desde + 1);
 }
 
 }  // namespace valdor::formularios

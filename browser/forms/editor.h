@@ -6,7 +6,11 @@
 // line fails the check), "Buscar" brings the first line holding a text to the top,
 // "Imprimir" hands the file to the system's text editor and "Cancelar" closes. Unsaved
 // edits mark the title, and nothing drops them without asking Guardar / Descartar /
-// Cancelar. Every rule is the core's (browser/editor.h).
+// Cancelar. The field checks (browser/revision.h) mark each field in error in its line,
+// in colour and with its rule under the pointer, and list the findings in the panel
+// HALLAZGOS, where a click takes the user to the field; they follow every edit, and a
+// save of lines with findings lists them in the one question before it. Every rule is
+// the core's (browser/editor.h, browser/revision.h).
 #pragma once
 
 #include <QDialog>
@@ -15,6 +19,7 @@
 #include <vector>
 
 #include "browser/editor.h"
+#include "browser/revision.h"
 
 class QLabel;
 class QTableWidget;
@@ -34,6 +39,11 @@ class EDITOR : public QDialog {
 
  public:
   enum Columna { ORDEN = 0, LINEA = 1, ESTADO = 2, REVISION = 3, COLUMNAS = 4 };
+  // The panel's columns.
+  enum ColumnaHallazgo { H_LINEA = 0, H_POSICIONES = 1, H_CAMPO = 2, H_VALOR = 3, H_REGLA = 4, H_COLUMNAS = 5 };
+  // The marks of a line's cell: a list with, for each field in error, a map of "desde"
+  // (its first character, from 0), "ancho" and "regla" (its findings' text).
+  static constexpr int MARCAS = Qt::UserRole + 1;
 
   // The load: the rows the file's size suggests, then its lines. `lanzador` starts the
   // text editor that prints.
@@ -54,9 +64,12 @@ class EDITOR : public QDialog {
   void reject() override;
 
   bool modificado() const { return modificado_; }
+  // The field findings of the grid's lines as they stand, numbered by row (the first is 1).
+  const std::vector<Hallazgo>& hallazgos() const { return hallazgos_; }
 
  private:
   void construye();
+  void construyePanel();
   void carga();
   // True when the lines are on disk as the grid holds them.
   bool guarda();
@@ -68,6 +81,13 @@ class EDITOR : public QDialog {
   bool aceptaLinea(const QString& texto);
   void revisaFila(int fila);
   void muestraCierre();
+  // The field checks over the lines as they stand: the marks of the rows that gain or
+  // lose a finding, the panel and its count.
+  void revisaLosCampos();
+  void marcaCampos(int fila, const std::vector<const Hallazgo*>& suyos);
+  void llenaPanel();
+  // The row of the panel's finding `indice` selected, and its field selected in the edit.
+  void vaAHallazgo(int indice);
 
   Programa& programa_;
   Lanzador& lanzador_;
@@ -80,6 +100,7 @@ class EDITOR : public QDialog {
   std::vector<std::string> lineas_;
   std::vector<FinDeLinea> finales_;  // how each line ended in the file, until a save ends them all with CR LF
   std::vector<bool> marcadas_;
+  std::vector<Hallazgo> hallazgos_;
 
   QLabel* fichero_ = nullptr;
   QString detalle_;  // the title panel's text: the file, its kind and its lines
@@ -87,6 +108,8 @@ class EDITOR : public QDialog {
   EdicionLinea* edicion_ = nullptr;
   QLabel* cierre_ = nullptr;
   QLabel* observaciones_ = nullptr;
+  QTableWidget* HALLAZGOS_ = nullptr;
+  QLabel* campos_ = nullptr;
 };
 
 }  // namespace valdor::formularios

@@ -1,15 +1,39 @@
 #include "shell/forms/formularios.h"
 
+#include <cstdlib>
+#include <optional>
+#include <string_view>
+
 #include "afiliacion/forms/afilia.h"
+#include "browser/revision.h"
 #include "browser/forms/editor.h"
 #include "engine/forms/cotval.h"
 #include "fan/forms/cotizacion.h"
 #include "shell/programa.h"
+#include "stores/literales.h"
 
 namespace valdor::formularios {
 
+namespace {
+
+bool revisionEstricta() {
+  const char* estricto = std::getenv("VALDOR_ESTRICTO");
+  return estricto && std::string_view(estricto) == "1";
+}
+
+}  // namespace
+
 FormulariosQt::FormulariosQt(Programa& programa, PaginaIntercambio& pagina, QWidget* padre)
-    : programa_(programa), pagina_(pagina), padre_(padre) {}
+    : programa_(programa), pagina_(pagina), padre_(padre) {
+  auto avisa = [&programa](const std::filesystem::path& destino, const std::vector<Hallazgo>& hallazgos) {
+    programa.hallazgosEscritos.append(avisoDeHallazgos(destino, hallazgos));
+  };
+  programa_.revisaEscrito =
+      revisionDeEscritos(avisa, revisionEstricta() ? std::optional<std::string>("con la revisión estricta"_cp)
+                                                   : std::nullopt);
+}
+
+FormulariosQt::~FormulariosQt() { programa_.revisaEscrito = nullptr; }
 
 void FormulariosQt::COTIZACION() {
   // The statement run of the marked companies, then the file.

@@ -8,6 +8,7 @@
 #include "shell/ajustes.h"
 #include "shell/forms/formularios.h"
 #include "stores/literales.h"
+#include "tests/fan_revisado.h"
 #include "tests/forms/oficina_qt.h"
 
 namespace valdor::pruebas {
@@ -236,6 +237,116 @@ class PruebaEditorFicheros : public QObject {
     QVERIFY(b.dialogos.mensajes[1].texto.starts_with("No se puede guardar el fichero"));
   }
 
+  // The field checks: the field in error drawn in its colour inside its line, with its
+  // rule under the pointer; the panel's list; a click that opens the line with the field
+  // selected; the findings that follow an edit; the one question before a save. With
+  // VALDOR_CAPTURA set, the editor's picture goes to that file (tools/captura-editor.sh).
+  void losHallazgosDeCampoSeMarcanSeListanYLlevanAlCampo() {
+    Banco b;
+    std::vector<std::string> lineas = ficheroCorrecto();
+    lineas[3].replace(13, 2, "41");  // the worker's check digits, which are 40
+    lineas[11].replace(40, 1, "1");  // a company total one cent over its worker's line
+    b.abre(lineas);
+    auto* panel = b.f->findChild<QTableWidget*>(QStringLiteral("HALLAZGOS"));
+    auto filaPanel = [&](int f) {
+      QStringList celdas;
+      for (int c = 0; c < EDITOR::H_COLUMNAS; ++c) celdas << panel->item(f, c)->text();
+      return celdas;
+    };
+    const QString regla = q("el dígito de control del número de afiliación es 40 (módulo 97)"_cp);
+    QCOMPARE(panel->rowCount(), 2);
+    QCOMPARE(filaPanel(0), (QStringList{"4", "4-15", q("número de afiliación"_cp), "\"281234567841\"", regla}));
+    QCOMPARE(filaPanel(1), (QStringList{"12", "31-41", "total", "\"00000000501\"",
+                                        "la suma de las líneas de sus trabajadores es 00000000500"}));
+    QCOMPARE(b.etiqueta("campos"), QStringLiteral("2 hallazgos en los campos (lista de abajo)."));
+
+    // Only the field's 12 characters of the 4th line are marked, with their rule.
+    const QString consejo = q("posiciones 4-15 (número de afiliación): "_cp) + regla;
+    const QVariantList marcas = b.rejilla()->item(3, EDITOR::LINEA)->data(EDITOR::MARCAS).toList();
+    QCOMPARE(marcas.size(), 1);
+    QCOMPARE(marcas[0].toMap().value("desde").toInt(), 3);
+    QCOMPARE(marcas[0].toMap().value("ancho").toInt(), 12);
+    QCOMPARE(b.rejilla()->item(3, EDITOR::LINEA)->toolTip(), consejo);
+    QVERIFY(b.rejilla()->item(2, EDITOR::LINEA)->data(EDITOR::MARCAS).isNull());
+    // On the screen: the mark's colour spans those 12 characters, 3 characters in.
+    const QRect celda = b.rejilla()->visualItemRect(b.rejilla()->item(3, EDITOR::LINEA));
+    const QImage imagen = b.rejilla()->viewport()->grab().toImage();
+    const qreal escala = imagen.devicePixelRatio();
+    int primera = -1, ultima = -1;
+    for (int x = celda.left(); x <= celda.right(); ++x)
+      if (imagen.pixelColor(QPoint(x, celda.center().y()) * escala) == QColor(0xc62828)) {
+        if (primera < 0) primera = x;
+        ultima = x;
+      }
+    const QFontMetricsF medida(b.rejilla()->font());
+    const qreal tres = medida.horizontalAdvance(QString(3, QLatin1Char('0')));
+    const qreal doce = medida.horizontalAdvance(QString(12, QLatin1Char('0')));
+    QVERIFY(primera - celda.left() >= tres && primera - celda.left() <= tres + 8);
+    QVERIFY(std::abs(ultima - primera + 1 - doce) <= 1.5);
+    // The pointer over the field shows its rule.
+    const QPoint sobreCampo(primera + static_cast<int>(doce / 2), celda.center().y());
+    QHelpEvent ayuda(QEvent::ToolTip, sobreCampo, b.rejilla()->viewport()->mapToGlobal(sobreCampo));
+    QApplication::sendEvent(b.rejilla()->viewport(), &ayuda);
+    QTRY_COMPARE(QToolTip::text(), consejo);
+
+    // A click on the second finding opens its line with the total selected.
+    QTest::mouseClick(panel->viewport(), Qt::LeftButton, {}, panel->visualItemRect(panel->item(1, 2)).center());
+    QCOMPARE(b.rejilla()->currentRow(), 11);
+    auto* edicion = b.rejilla()->findChild<QLineEdit*>(QStringLiteral("edicion"));
+    QVERIFY(edicion);
+    QCOMPARE(edicion->selectionStart(), 30);
+    QCOMPARE(edicion->selectedText(), QStringLiteral("00000000501"));
+    if (const QByteArray captura = qgetenv("VALDOR_CAPTURA"); !captura.isEmpty()) {
+      b.f->resize(1120, 620);
+      QTest::qWait(300);
+      QVERIFY(b.f->grab().save(QString::fromLocal8Bit(captura), "PNG"));
+    }
+    QTest::keyClick(edicion, Qt::Key_Escape);
+
+    // The findings follow the edit that puts the check digits right.
+    std::string tra = lineas[3];
+    tra.replace(13, 2, "40");
+    b.edita(3, q(tra));
+    QCOMPARE(panel->rowCount(), 1);
+    QCOMPARE(panel->item(0, EDITOR::H_LINEA)->text(), QStringLiteral("12"));
+    QVERIFY(b.rejilla()->item(3, EDITOR::LINEA)->data(EDITOR::MARCAS).isNull());
+    QCOMPARE(b.rejilla()->item(3, EDITOR::LINEA)->toolTip(), QString());
+    QCOMPARE(b.etiqueta("campos"), QStringLiteral("1 hallazgo en los campos (lista de abajo)."));
+
+    // The save asks first, listing the finding left; "No" keeps the file as it was.
+    b.pulsa("guar");
+    QCOMPARE(b.dialogos.preguntas.size(), std::size_t{1});
+    QCOMPARE(b.dialogos.preguntas[0].texto,
+             std::string("El fichero no pasa la revisión:\nLínea 12, posiciones 31-41 (total): \"00000000501\" — la "
+                         "suma de las líneas de sus trabajadores es 00000000500\n\n¿Desea guardarlo así de todos modos?"_cp));
+    QCOMPARE(b.guardado(), fichero(lineas));
+    b.dialogos.respuestas = {true};
+    b.pulsa("guar");
+    lineas[3] = tra;
+    QCOMPARE(b.guardado(), fichero(lineas));
+  }
+
+  // While the wizard's forms live, a file just written is checked before it takes its
+  // name: its findings go to the question that offers the editor, and the file is kept.
+  void elFicheroEscritoDesdeElEscritorioSeRevisaYSusHallazgosVanALaPregunta() {
+    Banco b;
+    std::vector<std::string> lineas = ficheroCorrecto();
+    lineas[3].replace(13, 2, "41");
+    escribeBytes(b.fan / "escrito.tmp", fichero(lineas));
+    PaginaIntercambio pagina;
+    {
+      formularios::FormulariosQt formularios(b.p, pagina, nullptr);
+      b.p.revisaEscrito(b.fan / "escrito.tmp", b.fan / "F2211260.FAN");
+    }
+    QVERIFY(!b.p.revisaEscrito);
+    const std::string pregunta = conHallazgos(b.p, preguntaEditarFan());
+    QVERIFY(pregunta.starts_with(std::string("El fichero \"")
+                                     .append((b.fan / "F2211260.FAN").string())
+                                     .append("\" tiene 1 hallazgo en sus campos:\nlínea 4, posiciones 4-15"_cp)));
+    QVERIFY(pregunta.ends_with(preguntaEditarFan()));
+    QVERIFY(b.p.hallazgosEscritos.empty());
+  }
+
   void buscarSubeLaPrimeraLineaConElTextoArriba() {
     Banco b;
     // Sixty lines, workers at rows 10 and 20: enough to scroll.
@@ -322,8 +433,10 @@ class PruebaEditorFicheros : public QObject {
     QCOMPARE(b.dialogos.preguntas.size(), std::size_t{1});
     QVERIFY(b.dialogos.preguntas[0].texto.find("F2211260.FAN tiene cambios sin guardar") != std::string::npos);
     QCOMPARE(b.celda(2, 1), q(otra));
-    // The window's close asks too; Guardar saves and closes.
+    // The window's close asks too; Guardar saves and closes (these lines, written by hand,
+    // have field findings: the save is told yes).
     b.dialogos.guardados = {Guardado::Guardar};
+    b.dialogos.respuestas = {true};
     b.f->close();
     QVERIFY(!b.f->isVisible());
     QCOMPARE(b.guardado(), fichero({ETI, EMP, otra, cierre4}));
@@ -350,8 +463,8 @@ class PruebaEditorFicheros : public QObject {
     // The second surname retyped: capitals, then the table (Ú 163, Ñ 165).
     b.edita(2, b.celda(2, 1).replace(23, 20, QStringLiteral("Núñez").leftJustified(20)));
     QCOMPARE(b.celda(2, 1).mid(23, 5), QStringLiteral("NúÑEZ"));
+    b.dialogos.respuestas = {true};  // these lines have field findings
     b.pulsa("guar");
-    QVERIFY(b.dialogos.preguntas.empty());
     const std::string nueva = "AYN" + ancho("MU\xA5OZ", 20) + ancho("N\xA3\xA5" "EZ", 20) + ancho("JOS\xC9", 15) +
                               std::string(12, ' ');
     QCOMPARE(b.guardado(), fichero({ETI, rzs, nueva, pie}));
