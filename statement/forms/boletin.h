@@ -38,6 +38,10 @@ class VistaBoletin : public QWidget {
   // the blanks that fill the box's field on the right.
   void muestra(const CajasBoletin& cajas, const HojaTC2& hoja);
 
+  // The decimal separator the figures are shown with: the user's, unless the program
+  // pins another.
+  void usaDecimal(char decimal) { decimal_ = decimal; }
+
   // The worker's sheet shown or hidden; the statement stays as it is.
   void muestraHoja(bool visible);
   bool hojaVisible() const;
@@ -46,6 +50,7 @@ class VistaBoletin : public QWidget {
   QLineEdit* caja(int numero, int caracteres, bool importe);
   QLineEdit* campoHoja(const char* nombre, int caracteres, bool importe);
 
+  char decimal_;
   // The field of each box (nullptr for the boxes not shown).
   std::array<QLineEdit*, 81> cajas_{};
   QGroupBox* hoja_ = nullptr;
