@@ -51,8 +51,10 @@ struct Raya {
 struct PaginaBoletin {
   // An A4 sheet across: the statement's lines run to 97 columns, 9.7 inches.
   double ancho = 841.89, alto = 595.28;
-  // The top left corner of the first character's cell, in points from the sheet's.
-  double arriba = 36, izquierda = 18;
+  // The top left corner of the first character's cell, in points from the sheet's: half
+  // an inch down and three columns in, so that every column falls on a whole number of
+  // columns from the sheet's edge.
+  double arriba = 36, izquierda = 3 * PUNTOSPORCOLUMNA;
   // The printed lines, each byte read as the printer's code page reads it: the letters
   // of the accent table are Windows-1252 letters here.
   std::vector<std::string> lineas;

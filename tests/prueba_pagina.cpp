@@ -27,7 +27,7 @@ TEST(Pagina, ElDesplazamientoDelAvanceDelImpreso) {
   EXPECT_EQ(d->abajoMm, 2.5);
   EXPECT_EQ(d->derechaMm, -1);
   EXPECT_EQ(leeDesplazamiento("-50")->abajoMm, -50);
-  for (const char* malo : {"", "a", "3,", ",3", "3 mm", "1,2,3", "50.5", "2,5"})
+  for (const char* malo : {"", "a", "3,", ",3", "3 mm", "1,2,3", "50.5", "2;5"})
     EXPECT_FALSE(leeDesplazamiento(malo)) << malo;
 
   // An inch down and half an inch to the left: 72 and 36 points, every line with them.
@@ -62,15 +62,13 @@ std::vector<std::string> lineasSinBlancosFinales(const std::string& texto, const
   return l;
 }
 
-// Both texts with as many leading columns taken off as every line of them has blank:
-// the PDF's text starts where its leftmost character does.
-void sinMargenComun(std::vector<std::string>& a, std::vector<std::string>& b) {
+// The lines with as many leading columns taken off as every one of them has blank: the
+// PDF's text starts where its leftmost character does.
+void sinMargen(std::vector<std::string>& lineas) {
   std::size_t margen = std::string::npos;
-  for (const auto* lineas : {&a, &b})
-    for (const std::string& l : *lineas)
-      if (!l.empty()) margen = std::min(margen, l.find_first_not_of(' '));
-  for (auto* lineas : {&a, &b})
-    for (std::string& l : *lineas) l.erase(0, std::min(margen, l.size()));
+  for (const std::string& l : lineas)
+    if (!l.empty()) margen = std::min(margen, l.find_first_not_of(' '));
+  for (std::string& l : lineas) l.erase(0, std::min(margen, l.size()));
 }
 
 TEST(Pagina, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
@@ -81,7 +79,8 @@ TEST(Pagina, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
   unsetenv("VALDOR_IMPRESORA");
   unsetenv("VALDOR_DESPLAZAMIENTO");
   ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
-  // The bakery: a sole trader's name with accents and an Ñ, sent by R.E.D.
+  // The bakery: a sole trader's name with accents and an Ñ, sent by R.E.D., every block
+  // of the statement with figures.
   const std::vector<std::string> orden{"imprimir", "--mes", "10", "--ano", "2026", "--empresa", "41123409876", "--red"};
   auto con = [&](std::vector<std::string> mas) {
     mas.insert(mas.begin(), orden.begin(), orden.end());
@@ -96,12 +95,14 @@ TEST(Pagina, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
   // The port's bytes as the printer shows them, and the PDF's text, in UTF-8.
   std::vector<std::string> puerto =
       lineasSinBlancosFinales(cp1252AUtf8(PONACENTOS(pruebas::leeBytes(c / "trabajo" / "boletin.txt"))), "\r\n");
-  const auto texto = salidaDe("pdftotext -layout " + pruebas::paraLaShell(pdf.string()) + " -");
+  // Read at the page's own pitch, so that a column of the text is a column of the form.
+  const auto texto = salidaDe("pdftotext -layout -fixed 7.2 " + pruebas::paraLaShell(pdf.string()) + " -");
   ASSERT_TRUE(texto);
   std::vector<std::string> enPdf = lineasSinBlancosFinales(*texto, "\n");
   // pdftotext ends the page with a form feed.
   if (!enPdf.empty() && enPdf.back() == "\f") enPdf.pop_back();
-  sinMargenComun(puerto, enPdf);
+  sinMargen(puerto);
+  sinMargen(enPdf);
   ASSERT_GT(puerto.size(), 30u);
   EXPECT_EQ(enPdf, puerto);
   EXPECT_NE(cp1252AUtf8(PONACENTOS(pruebas::leeBytes(c / "trabajo" / "boletin.txt"))).find("NO ACOMPAÑA TC-2"),
