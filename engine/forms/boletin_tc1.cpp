@@ -50,6 +50,8 @@ constexpr int ANOSDESPUES = 1;
 // The TC1 lines of the exchange file are 70 characters; the list shows them whole.
 constexpr int ANCHOLINEA = 70;
 constexpr int FILASLISTA = 7;
+// The margin on either side of the form's body.
+constexpr int MARGEN = 9;
 
 // The TC1 lines of a company: entries 1 to 18 from its statement, 19 the refund account.
 constexpr std::size_t ULTIMALINEA = 19;
@@ -150,8 +152,8 @@ void TC1VAL::construye() {
   todas_->setChecked(true);
   ComboEmpresa_ = new QComboBox(empresas);
   ComboEmpresa_->setObjectName(QStringLiteral("ComboEmpresa"));
-  ComboEmpresa_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-  ComboEmpresa_->setMinimumContentsLength(40);
+  ComboEmpresa_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  ComboEmpresa_->setMinimumContentsLength(30);
   auto* capaEmpresas = new QGridLayout(empresas);
   capaEmpresas->setVerticalSpacing(2);
   capaEmpresas->addWidget(todas_, 0, 0);
@@ -192,19 +194,25 @@ void TC1VAL::construye() {
   conImpreso_->setToolTip(
       QStringLiteral("La hoja lleva también las rayas y los rótulos del impreso (vista previa, impresora y PDF)"));
   salir_ = boton("Salir", QStringLiteral("Salir"), QStyle::SP_DialogCloseButton);
-  auto* ordenes = new QHBoxLayout;
-  ordenes->addWidget(calcular_);
-  ordenes->addWidget(Command3D8_);
-  ordenes->addWidget(tc2_);
-  ordenes->addSpacing(12);
-  ordenes->addWidget(imprimir_);
-  ordenes->addWidget(vistaPrevia_);
-  ordenes->addWidget(impresora_);
-  ordenes->addWidget(pdf_);
-  ordenes->addWidget(Check4_);
-  ordenes->addWidget(conImpreso_);
-  ordenes->addStretch(1);
-  ordenes->addWidget(salir_);
+  // The run's commands on one row, the printing's on the next, so that both fit a
+  // narrow window.
+  auto* ordenes = new QVBoxLayout;
+  auto* calculo = new QHBoxLayout;
+  calculo->addWidget(calcular_);
+  calculo->addWidget(Command3D8_);
+  calculo->addWidget(tc2_);
+  calculo->addStretch(1);
+  calculo->addWidget(salir_);
+  auto* impresion = new QHBoxLayout;
+  impresion->addWidget(imprimir_);
+  impresion->addWidget(vistaPrevia_);
+  impresion->addWidget(impresora_);
+  impresion->addWidget(pdf_);
+  impresion->addWidget(Check4_);
+  impresion->addWidget(conImpreso_);
+  impresion->addStretch(1);
+  ordenes->addLayout(calculo);
+  ordenes->addLayout(impresion);
 
   // The progress of a run.
   Panel3D3_ = new QLabel(contenido);
@@ -237,7 +245,7 @@ void TC1VAL::construye() {
   auto* capa = new QVBoxLayout(contenido);
   capa->setContentsMargins(0, 0, 0, 6);
   auto* cuerpo = new QVBoxLayout;
-  cuerpo->setContentsMargins(9, 0, 9, 0);
+  cuerpo->setContentsMargins(MARGEN, 0, MARGEN, 0);
   cuerpo->addLayout(elecciones);
   cuerpo->addLayout(ordenes);
   cuerpo->addWidget(Panel3D3_);
@@ -466,6 +474,13 @@ void TC1VAL::sal() {
     marco->close();
   else
     close();
+}
+
+void TC1VAL::resizeEvent(QResizeEvent* evento) {
+  // The statement's right-hand blocks go under it when the window is too narrow for both
+  // columns, so that nothing is cut on the right.
+  vista_->apila(width() < vista_->anchoEnDosColumnas() + 2 * MARGEN + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+  QWidget::resizeEvent(evento);
 }
 
 void TC1VAL::closeEvent(QCloseEvent* evento) {

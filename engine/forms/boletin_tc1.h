@@ -70,6 +70,7 @@ class TC1VAL : public QWidget {
 
  protected:
   void closeEvent(QCloseEvent* evento) override;
+  void resizeEvent(QResizeEvent* evento) override;
 
  private:
   void construye();

@@ -93,8 +93,9 @@ QLineEdit* VistaBoletin::caja(int numero, int caracteres, bool importe) {
 
 VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadoresDelSistema().decimal) {
   setObjectName(QStringLiteral("VistaBoletin"));
-  auto* capa = new QHBoxLayout(this);
+  auto* capa = new QBoxLayout(QBoxLayout::LeftToRight, this);
   capa->setContentsMargins(0, 0, 0, 0);
+  capa_ = capa;
   auto* columnaBoletin = new QVBoxLayout;
   auto* columnaDerecha = new QVBoxLayout;
   capa->addLayout(columnaBoletin, 1);
@@ -284,6 +285,18 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     columnaDerecha->addWidget(b);
   }
   columnaDerecha->addStretch(1);
+}
+
+void VistaBoletin::apila(bool apilada) {
+  capa_->setDirection(apilada ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+}
+
+int VistaBoletin::anchoEnDosColumnas() const {
+  const QBoxLayout::Direction antes = capa_->direction();
+  capa_->setDirection(QBoxLayout::LeftToRight);
+  const int ancho = capa_->minimumSize().width();
+  capa_->setDirection(antes);
+  return ancho;
 }
 
 void VistaBoletin::muestraHoja(bool visible) { hoja_->setVisible(visible); }

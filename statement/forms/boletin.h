@@ -17,6 +17,7 @@
 #include "statement/estado.h"
 #include "statement/hojatc2.h"
 
+class QBoxLayout;
 class QGroupBox;
 class QLineEdit;
 
@@ -42,6 +43,12 @@ class VistaBoletin : public QWidget {
   // pins another.
   void usaDecimal(char decimal) { decimal_ = decimal; }
 
+  // The blocks on the right (accidents at work, other contributions, the sheet) beside
+  // the statement, or under it in a narrow window.
+  void apila(bool apilada);
+  // The width the view needs with the blocks beside the statement.
+  int anchoEnDosColumnas() const;
+
   // The worker's sheet shown or hidden; the statement stays as it is.
   void muestraHoja(bool visible);
   bool hojaVisible() const;
@@ -51,6 +58,7 @@ class VistaBoletin : public QWidget {
   QLineEdit* campoHoja(const char* nombre, int caracteres, bool importe);
 
   char decimal_;
+  QBoxLayout* capa_ = nullptr;
   // The field of each box (nullptr for the boxes not shown).
   std::array<QLineEdit*, 81> cajas_{};
   QGroupBox* hoja_ = nullptr;
