@@ -95,10 +95,11 @@ const std::array<Orden, 8>& ordenes() {
                     en los ficheros escritos, después de escribirlos
   --estricto        no escribe los ficheros si la revisión de sus campos encuentra algo
 )"_cp},
-      {"imprimir", R"(  imprimir --empresa CODIGO [--mes M --ano A] [--puerto P] [--red]
+      {"imprimir", R"(  imprimir --empresa CODIGO [--mes M --ano A] [--puerto P | --pdf F] [--red]
            imprime el boletín TC1 de la empresa en el impreso: en el puerto P, o en el de
            VALDOR_IMPRESORA, o en LPT1 (/dev/lp0); P es LPT1 a LPT3, PRN o el nombre de un
-           fichero de la carpeta de trabajo. --red lo marca como enviado por R.E.D.
+           fichero de la carpeta de trabajo. Con --pdf F lo dibuja en el PDF F, cada
+           carácter en su sitio del impreso. --red lo marca como enviado por R.E.D.
            con la autorización
 )"_cp,
        true, false, R"(  --empresa CODIGO  código de cuenta de cotización de 11 cifras, con nóminas en el mes
@@ -108,6 +109,15 @@ const std::array<Orden, 8>& ordenes() {
                     de Windows. VALDOR_IMPRESORA sigue la misma regla
   --red             el boletín va como enviado por R.E.D., con la autorización de los
                     ajustes
+  --pdf F           escribe el boletín en el PDF F (relativo a la carpeta actual), en una
+                    hoja A4 apaisada, a 10 caracteres por pulgada y 6 líneas por pulgada;
+                    el fichero se escribe al lado y se renombra, nunca queda a medias
+  --impreso         con --pdf: dibuja también las rayas y los rótulos del impreso, para
+                    imprimirlo en papel en blanco
+  --desplazamiento V,H
+                    con --pdf: mueve el boletín V milímetros hacia abajo y H hacia la
+                    derecha (negativos: arriba, izquierda), para ajustarlo al avance del
+                    impreso; por defecto, el de VALDOR_DESPLAZAMIENTO
 )"_cp},
       {"revisar", R"(  revisar  FICHERO [--json]
            revisa un fichero .FAN o .AFI sin cambiarlo: las líneas que no tienen 70

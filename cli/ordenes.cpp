@@ -8,6 +8,7 @@
 #include "engine/cotval.h"
 #include "engine/motor.h"
 #include "statement/impresion.h"
+#include "statement/pagina.h"
 #include "fan/seleccion.h"
 #include "shell/ajustes.h"
 #include "shell/programa.h"
@@ -250,10 +251,27 @@ std::filesystem::path puertoDeLaOrden(const Opciones& o, const Programa& program
   return rutaPuerto(puerto, programa.carpetas().trabajo);
 }
 
+// The page of a statement drawn into a PDF: the offset of --desplazamiento, else
+// VALDOR_DESPLAZAMIENTO, else none; the form's captions and rules with --impreso.
+Desplazamiento desplazamientoDeLaOrden(const Opciones& o, const Programa& programa) {
+  if (const auto texto = o.texto("--desplazamiento")) {
+    if (const auto d = leeDesplazamiento(*texto)) return *d;
+    throw ErrorLlamada(desplazamientoRechazado("--desplazamiento", *texto));
+  }
+  if (programa.g.DESPLAZAMIENTOIMPRESO.empty()) return {};
+  if (const auto d = leeDesplazamiento(programa.g.DESPLAZAMIENTOIMPRESO)) return *d;
+  throw ErrorTrabajo(desplazamientoRechazado("VALDOR_DESPLAZAMIENTO", programa.g.DESPLAZAMIENTOIMPRESO));
+}
+
 }  // namespace
 
 int ordenImprimir(const Llamada& llamada) {
-  const Opciones o(llamada.argumentos, {"--mes", "--ano", "--empresa", "--puerto"}, {"--red"});
+  const Opciones o(llamada.argumentos, {"--mes", "--ano", "--empresa", "--puerto", "--pdf", "--desplazamiento"},
+                   {"--red", "--impreso"});
+  if (o.tiene("--pdf") && o.tiene("--puerto"))
+    throw ErrorLlamada("imprimir lleva --puerto o --pdf, no los dos.");
+  if (!o.tiene("--pdf") && (o.tiene("--impreso") || o.tiene("--desplazamiento")))
+    throw ErrorLlamada("--impreso y --desplazamiento son del PDF: van con --pdf FICHERO.");
   int mes = 0, ano = 0;
   periodoDeLaOrden(o, llamada.ahora, mes, ano);
   const auto empresa = o.texto("--empresa");
@@ -265,9 +283,13 @@ int ordenImprimir(const Llamada& llamada) {
   DialogosConsola dialogos;
   Programa programa(llamada.carpetas, dialogos, separadoresDelSistema(), llamada.ahora);
   programa.arranca();
-  const auto ruta = puertoDeLaOrden(o, programa);
+  const auto pdf = o.tiene("--pdf") ? std::optional(ficheroDeLaLlamada(llamada, cp1252AUtf8(*o.texto("--pdf"))))
+                                    : std::nullopt;
+  const auto ruta = pdf ? *pdf : puertoDeLaOrden(o, programa);
+  const Desplazamiento desplazamiento = pdf ? desplazamientoDeLaOrden(o, programa) : Desplazamiento{};
   const auto lista = empresasDelMes(programa.almacenes, mes, ano);
-  if (std::none_of(lista.begin(), lista.end(), [&](const auto& e) { return recorta(e.BSSE) == codigo; }))
+  const auto elegida = std::find_if(lista.begin(), lista.end(), [&](const auto& e) { return recorta(e.BSSE) == codigo; });
+  if (elegida == lista.end())
     throw ErrorTrabajo("La empresa " + codigo + std::string(" no tiene nóminas calculadas en "_cp) + dosCifras(mes) +
                        "/" + std::to_string(ano) + ".");
 
@@ -277,7 +299,7 @@ int ordenImprimir(const Llamada& llamada) {
   EjecucionTC1 e;
   e.mes = mes;
   e.ano = ano;
-  e.empresa = codigo;
+  e.empresa = elegida->BSSE;  // as the month's store keeps it, as the statement form passes it
   e.empresaCalculada = [&](const COTVAL& calculo) {
     boletin = calculo.boletin;
     grid = calculo.GRID1;
@@ -290,7 +312,14 @@ int ordenImprimir(const Llamada& llamada) {
 
   REGINTERCAMBIO registro = registroEnBlanco();
   FicheroAjustes(programa.carpetas().trabajo).lee(registro);
-  const bool impreso = IMPRIMEBOLETIN(boletin, grid, leerred(registro, o.tiene("--red")), ruta, dialogos);
+  const TextosRed red = leerred(registro, o.tiene("--red"));
+  if (pdf) {
+    escribePdf(*pdf, paginaBoletin(lineasBoletin(boletin, grid, red), o.tiene("--impreso"), desplazamiento));
+    programa.termina();
+    escribeLinea(std::cout, utf8ACp1252(pdf->string()));
+    return dialogos.errores() > 0 ? SALIDAFALLO : SALIDABIEN;
+  }
+  const bool impreso = IMPRIMEBOLETIN(boletin, grid, red, ruta, dialogos);
   programa.termina();
   if (!impreso)
     throw ErrorTrabajo(std::string("No se ha podido imprimir el boletín en "_cp) + utf8ACp1252(ruta.string()) + ".");

@@ -76,6 +76,10 @@ struct Llamada {
   std::filesystem::path carpetaDeLlamada;  // where the call was made, for relative files
 };
 
+// The file named in the call (UTF-8, as given): a Windows path ("C:\...") through the
+// Wine drives, any other relative to where the call was made.
+std::filesystem::path ficheroDeLaLlamada(const Llamada& llamada, const std::string& nombre);
+
 int ordenMuestra(const Llamada& llamada);
 int ordenAjustes(const Llamada& llamada);
 int ordenEmpresas(const Llamada& llamada);

@@ -16,16 +16,14 @@ namespace valdor::cli {
 
 namespace fs = std::filesystem;
 
-namespace {
-
-// The file named in the call: a Windows path ("C:\...") through the Wine drives, any
-// other relative to where the call was made.
 fs::path ficheroDeLaLlamada(const Llamada& llamada, const std::string& nombre) {
   if (nombre.size() > 2 && nombre[1] == ':' && (nombre[2] == '\\' || nombre[2] == '/'))
     return rutaNativa(utf8ACp1252(nombre), entornoWineDelSistema());
   const fs::path ruta(nombre);
   return ruta.is_absolute() ? ruta : llamada.carpetaDeLlamada / ruta;
 }
+
+namespace {
 
 // A JSON string of Windows-1252 text, in UTF-8.
 std::string cadenaJson(std::string_view cp1252) {

@@ -133,6 +133,14 @@ void MotorCalculo::terminaTC1(Programa&) {
 }
 
 void ejecutaTC1(Programa& programa, const EjecucionTC1& e) {
+  // The list of the month's companies closes the master stores when it goes; the run
+  // reads them.
+  Almacenes& a = programa.almacenes;
+  for (const Almacen* maestro : {&a.convenio, &a.empresas, &a.producto, &a.constant, &a.bonifica, &a.desempleo})
+    if (!maestro->abierto()) {
+      a.ABREMAESTROS();
+      break;
+    }
   MotorCalculo::SesionTC1 sesion(programa.almacenes, e.mes, e.ano);
   valdor::COTVAL calculo(programa);
   calculo.modo = e.empresa.empty() ? ModoCalculo::TodasLasEmpresas : ModoCalculo::UnaEmpresa;

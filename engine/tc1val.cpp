@@ -15,7 +15,14 @@ std::string textoCalculandoTC1(std::string_view nombreEmpresa) {
   return std::string("Dortek está calculando el modelo TC1 para la empresa "_cp) + std::string(nombreEmpresa);
 }
 
-std::string_view textoFinTC1() { return "DORTEK ha finalizado la impresión de sus modelos TC-1"_cp; }
+std::string textoFinTC1(std::size_t empresas) {
+  // The run calculates and prints nothing: printing is the statement form's own command,
+  // for the statement on screen.
+  const std::string cuantas = empresas == 1 ? std::string("1 empresa") : std::to_string(empresas) + " empresas";
+  return std::string("VALDOR+ ha calculado el boletín TC-1 de "_cp)
+      .append(cuantas)
+      .append(". No se ha impreso ninguno: «Imprimir» imprime el que se ve en pantalla."_cp);
+}
 
 EmpleadorBoletin empleadorDe(const BOLETIN& b) {
   return {b.BOLNOMBRE.texto(), b.BOLDOMICILIO.texto(), b.BOLLOCALIDAD.texto(),
@@ -198,6 +205,7 @@ void TC1VAL::todasLasEmpresas() {
   calculo_.GRID1.LIMPIAGRID();
   filas_ = 0;
   std::string ultima;
+  std::size_t calculadas = 0;
   try {
     auto q = programa_.almacenes.periodo.consulta(std::string("SELECT * FROM NOMIN") + ORDENMEEP);
     while (q.siguiente()) {
@@ -207,6 +215,7 @@ void TC1VAL::todasLasEmpresas() {
       if (empresa != ultima) {
         if (valorNumerico(ultima) != 0) {
           liquidaEmpresa();
+          ++calculadas;
           if (enCadaEmpresa) enCadaEmpresa();
           if (cancelado) return;
         }
@@ -223,8 +232,9 @@ void TC1VAL::todasLasEmpresas() {
   }
   if (ultima.empty()) return;
   liquidaEmpresa();
+  ++calculadas;
   if (enCadaEmpresa) enCadaEmpresa();
-  programa_.dialogos().mensaje(tituloValdor(), textoFinTC1(), Icono::Informacion);
+  programa_.dialogos().mensaje(tituloValdor(), textoFinTC1(calculadas), Icono::Informacion);
   liquidacion_.CALCULATRABAJADOR(false);
 }
 

@@ -22,8 +22,9 @@ struct PaginaIntercambio;
 
 // The text the wizard shows while a company's TC1 is worked out.
 std::string textoCalculandoTC1(std::string_view nombreEmpresa);
-// The information box at the end of the all-companies run.
-std::string_view textoFinTC1();
+// The information box at the end of the all-companies run over `empresas` companies:
+// what was calculated, and that nothing was printed.
+std::string textoFinTC1(std::size_t empresas);
 
 // The six employer fields of the statement that MONTALINEASTC1 puts back as loaded.
 struct EmpleadorBoletin {

@@ -83,6 +83,8 @@ void Programa::arranca() {
 
   leeAjustes();
   if (const char* puerto = std::getenv("VALDOR_IMPRESORA")) g.PUERTOIMPRESORA = utf8ACp1252(puerto);
+  if (const char* desplazamiento = std::getenv("VALDOR_DESPLAZAMIENTO"))
+    g.DESPLAZAMIENTOIMPRESO = utf8ACp1252(desplazamiento);
   g.EMISORNOMBRE = leeEmisor(carpetas().trabajo);
   arrancado_ = true;
 }

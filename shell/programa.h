@@ -45,6 +45,9 @@ struct Globales {
   double LINEALARGA = 0;
   // The printer port of the statement ("" for LPT1): VALDOR_IMPRESORA of the environment.
   std::string PUERTOIMPRESORA;
+  // How far the form's feed moves the statement drawn on a page ("" for none; "V" or
+  // "V,H" in millimetres down and to the right): VALDOR_DESPLAZAMIENTO of the environment.
+  std::string DESPLAZAMIENTOIMPRESO;
   // The TC1 lines of the company at hand, entries 1 to 25 (entry 0 is not used).
   std::array<std::string, 26> LINEASTC1;
 };

@@ -75,6 +75,21 @@ int cajaDe(CampoFijo BOLETIN::*campo) {
   return 0;
 }
 
+bool cajaDeCifra(int caja) {
+  return caja == 11 || (caja >= 14 && caja <= 58 && caja != 39 && caja != 56) || (caja >= 78 && caja <= 80);
+}
+
+std::string cifraEnPantalla(std::string_view texto, char decimal) {
+  std::string t(texto);
+  for (char& c : t)
+    if (c == '.' || c == ',') c = decimal;
+  return t;
+}
+
+std::string cajaEnPantalla(int caja, std::string_view texto, char decimal) {
+  return cajaDeCifra(caja) ? cifraEnPantalla(texto, decimal) : std::string(texto);
+}
+
 void muestraFigura(BOLETIN& b, CajasBoletin& cajas, CampoFijo BOLETIN::*campo, std::string_view texto) {
   b.*campo = texto;
   if (const int caja = cajaDe(campo); caja > 0) cajas[static_cast<std::size_t>(caja)] = (b.*campo).texto();

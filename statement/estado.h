@@ -67,6 +67,17 @@ struct BOLETIN {
 // The box that shows a field (0: none).
 int cajaDe(CampoFijo BOLETIN::*campo);
 
+// True for the boxes that hold a figure (a count, a base, a rate, a quota or an amount);
+// the others hold names, codes and periods.
+bool cajaDeCifra(int caja);
+// A figure's text as the screen shows it: its decimal mark, a point or a comma as the
+// statement holds it (amounts come with a point, rates as the rate file writes them),
+// written as the user's `decimal` separator. The figures carry no thousands marks.
+std::string cifraEnPantalla(std::string_view texto, char decimal);
+// The text of box `caja` as the screen shows it: a figure by cifraEnPantalla, any other
+// box as it is.
+std::string cajaEnPantalla(int caja, std::string_view texto, char decimal);
+
 // BLANQUEABOLETIN: every field filled with as many blanks as its width.
 void BLANQUEABOLETIN(BOLETIN& b);
 // VACIABOLETIN: the public company variable and every statement box emptied.

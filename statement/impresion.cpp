@@ -200,16 +200,14 @@ std::vector<std::string> lineasBoletin(const BOLETIN& original, const TablaTraba
 
 namespace {
 
-// The text of the retry box for an error of the port.
-std::string textoErrorImpresion(int error) {
-  const std::string pregunta =
-      std::string("Existen problemas con la impresión del documento. ¿Desea intentar de nuevo la impresión?"_cp);
-  switch (error) {
-    case EIO: case ENXIO: case ENODEV: case EBUSY: case EACCES: case ENOENT: case ENOSPC: case EAGAIN:
-      return pregunta;
-    default:
-      return "Error: " + std::to_string(error) + " " + razonDelSistema(error) + "\n" + pregunta;
-  }
+// The text of the retry box for an error of the port: the port and the system's reason.
+std::string textoErrorImpresion(const std::filesystem::path& puerto, int error) {
+  return std::string("No se ha podido imprimir el boletín en "_cp)
+      .append(entreComillas(puerto))
+      .append(": ")
+      .append(razonDelSistema(error))
+      .append(".\n")
+      .append("¿Desea intentar de nuevo la impresión?"_cp);
 }
 
 // One attempt: the port opened, every line written, closed. 0 or the errno.
@@ -237,7 +235,7 @@ bool IMPRIMEBOLETIN(const BOLETIN& b, const TablaTrabajo& GRID1, const TextosRed
   while (true) {
     const int error = imprimeUnaVez(puerto, contenido);
     if (error == 0) return true;
-    if (!dialogos.pregunta("ERROR DE IMPRESION", textoErrorImpresion(error))) return false;
+    if (!dialogos.pregunta("ERROR DE IMPRESION", textoErrorImpresion(puerto, error))) return false;
   }
 }
 

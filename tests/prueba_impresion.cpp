@@ -113,8 +113,11 @@ TEST(Impresion, ElPuertoYElReintentoTrasUnError) {
   EXPECT_FALSE(IMPRIMEBOLETIN(m.b, m.g, {}, c / "no/hay/puerto", d));
   ASSERT_EQ(d.preguntas.size(), 2u);
   EXPECT_EQ(d.preguntas[0].titulo, "ERROR DE IMPRESION");
-  EXPECT_EQ(d.preguntas[0].texto,
-            "Existen problemas con la impresión del documento. ¿Desea intentar de nuevo la impresión?"_cp);
+  // The box names the port and says why it failed.
+  EXPECT_EQ(d.preguntas[0].texto, std::string("No se ha podido imprimir el boletín en \""_cp)
+                                      .append((c / "no/hay/puerto").string())
+                                      .append("\": no existe el fichero o la carpeta.\n")
+                                      .append("¿Desea intentar de nuevo la impresión?"_cp));
 }
 
 }  // namespace

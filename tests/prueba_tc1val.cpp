@@ -7,6 +7,7 @@
 #include "engine/motor.h"
 #include "engine/tc1val.h"
 #include "shell/asistente.h"
+#include "stores/literales.h"
 #include "tests/boletin_prueba.h"
 
 namespace valdor {
@@ -117,7 +118,9 @@ TEST(TC1VAL, LaReglaDeTRA39SoloEnElCalculoDeUnaEmpresa) {
   EXPECT_EQ(todas.calculo.GRID1.valor(1, 21), 50);  // the table's own percentage
   EXPECT_EQ(todas.calculo.GRID1.texto(1, 37), "");  // no maternity columns
   ASSERT_EQ(todas.dialogos.mensajes.size(), 1u);
-  EXPECT_EQ(todas.dialogos.mensajes[0].texto, textoFinTC1());
+  EXPECT_EQ(todas.dialogos.mensajes[0].texto,
+            "VALDOR+ ha calculado el boletín TC-1 de 1 empresa. No se ha impreso ninguno: «Imprimir» imprime el "
+            "que se ve en pantalla."_cp);
 }
 
 TEST(TC1VAL, TodasLasEmpresasParaEnElCorteSiSeCancela) {

@@ -5,12 +5,16 @@
 #include <QCheckBox>
 #include <QCloseEvent>
 #include <QComboBox>
+#include <QFileDialog>
 #include <QFontDatabase>
 #include <QGroupBox>
 #include <QHBoxLayout>
 #include <QLabel>
 #include <QListWidget>
 #include <QMdiSubWindow>
+#include <QPrintDialog>
+#include <QPrintPreviewDialog>
+#include <QPrinter>
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
@@ -25,10 +29,13 @@
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/ajustes.h"
+#include "shell/asistente.h"
 #include "shell/momento.h"
 #include "shell/programa.h"
 #include "statement/forms/boletin.h"
+#include "statement/forms/pagina_qt.h"
 #include "statement/impresion.h"
+#include "statement/pagina.h"
 #include "stores/literales.h"
 #include "stores/texto.h"
 
@@ -43,6 +50,8 @@ constexpr int ANOSDESPUES = 1;
 // The TC1 lines of the exchange file are 70 characters; the list shows them whole.
 constexpr int ANCHOLINEA = 70;
 constexpr int FILASLISTA = 7;
+// The margin on either side of the form's body.
+constexpr int MARGEN = 9;
 
 // The TC1 lines of a company: entries 1 to 18 from its statement, 19 the refund account.
 constexpr std::size_t ULTIMALINEA = 19;
@@ -143,8 +152,8 @@ void TC1VAL::construye() {
   todas_->setChecked(true);
   ComboEmpresa_ = new QComboBox(empresas);
   ComboEmpresa_->setObjectName(QStringLiteral("ComboEmpresa"));
-  ComboEmpresa_->setSizeAdjustPolicy(QComboBox::AdjustToContents);
-  ComboEmpresa_->setMinimumContentsLength(40);
+  ComboEmpresa_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
+  ComboEmpresa_->setMinimumContentsLength(30);
   auto* capaEmpresas = new QGridLayout(empresas);
   capaEmpresas->setVerticalSpacing(2);
   capaEmpresas->addWidget(todas_, 0, 0);
@@ -172,16 +181,38 @@ void TC1VAL::construye() {
   imprimir_->setToolTip(QStringLiteral("Imprime el boletín en el impreso oficial"));
   Check4_ = new QCheckBox(QStringLiteral("Enviado por R.E.D."), contenido);
   Check4_->setObjectName(QStringLiteral("Check4"));
+  // The same statement drawn on a page: seen first, sent to a printer of the system, or
+  // kept as a PDF; on plain paper with the form's rules and captions.
+  vistaPrevia_ = boton("VistaPrevia", QStringLiteral("&Vista previa"), QStyle::SP_FileDialogInfoView);
+  vistaPrevia_->setToolTip(QStringLiteral("Muestra el boletín como saldrá en la hoja, y lo imprime desde allí"));
+  impresora_ = boton("Impresora", QStringLiteral("Im&presora..."), QStyle::SP_ComputerIcon);
+  impresora_->setToolTip(QStringLiteral("Imprime el boletín en una impresora del sistema"));
+  pdf_ = boton("Pdf", QStringLiteral("P&DF..."), QStyle::SP_DialogSaveButton);
+  pdf_->setToolTip(QStringLiteral("Guarda el boletín en un fichero PDF"));
+  conImpreso_ = new QCheckBox(QStringLiteral("Papel en &blanco"), contenido);
+  conImpreso_->setObjectName(QStringLiteral("ConImpreso"));
+  conImpreso_->setToolTip(
+      QStringLiteral("La hoja lleva también las rayas y los rótulos del impreso (vista previa, impresora y PDF)"));
   salir_ = boton("Salir", QStringLiteral("Salir"), QStyle::SP_DialogCloseButton);
-  auto* ordenes = new QHBoxLayout;
-  ordenes->addWidget(calcular_);
-  ordenes->addWidget(Command3D8_);
-  ordenes->addWidget(tc2_);
-  ordenes->addSpacing(12);
-  ordenes->addWidget(imprimir_);
-  ordenes->addWidget(Check4_);
-  ordenes->addStretch(1);
-  ordenes->addWidget(salir_);
+  // The run's commands on one row, the printing's on the next, so that both fit a
+  // narrow window.
+  auto* ordenes = new QVBoxLayout;
+  auto* calculo = new QHBoxLayout;
+  calculo->addWidget(calcular_);
+  calculo->addWidget(Command3D8_);
+  calculo->addWidget(tc2_);
+  calculo->addStretch(1);
+  calculo->addWidget(salir_);
+  auto* impresion = new QHBoxLayout;
+  impresion->addWidget(imprimir_);
+  impresion->addWidget(vistaPrevia_);
+  impresion->addWidget(impresora_);
+  impresion->addWidget(pdf_);
+  impresion->addWidget(Check4_);
+  impresion->addWidget(conImpreso_);
+  impresion->addStretch(1);
+  ordenes->addLayout(calculo);
+  ordenes->addLayout(impresion);
 
   // The progress of a run.
   Panel3D3_ = new QLabel(contenido);
@@ -192,6 +223,7 @@ void TC1VAL::construye() {
 
   // The statement of the company last calculated; the worker's sheet shows on demand.
   vista_ = new VistaBoletin(contenido);
+  vista_->usaDecimal(programa_.separadores().decimal);
   vista_->muestraHoja(false);
 
   // Its TC1 lines, as they go into the exchange file.
@@ -213,7 +245,7 @@ void TC1VAL::construye() {
   auto* capa = new QVBoxLayout(contenido);
   capa->setContentsMargins(0, 0, 0, 6);
   auto* cuerpo = new QVBoxLayout;
-  cuerpo->setContentsMargins(9, 0, 9, 0);
+  cuerpo->setContentsMargins(MARGEN, 0, MARGEN, 0);
   cuerpo->addLayout(elecciones);
   cuerpo->addLayout(ordenes);
   cuerpo->addWidget(Panel3D3_);
@@ -230,6 +262,9 @@ void TC1VAL::construye() {
   connect(Command3D8_, &QPushButton::clicked, this, &TC1VAL::cancela);
   connect(tc2_, &QPushButton::toggled, this, [this](bool visible) { vista_->muestraHoja(visible); });
   connect(imprimir_, &QPushButton::clicked, this, &TC1VAL::imprime);
+  connect(vistaPrevia_, &QPushButton::clicked, this, &TC1VAL::vistaPrevia);
+  connect(impresora_, &QPushButton::clicked, this, &TC1VAL::imprimeEnImpresora);
+  connect(pdf_, &QPushButton::clicked, this, &TC1VAL::guardaPdf);
   connect(salir_, &QPushButton::clicked, this, &TC1VAL::sal);
 }
 
@@ -258,7 +293,7 @@ void TC1VAL::actualizaControles() {
   ComboEmpresa_->setEnabled(libre && una_->isChecked());
   calcular_->setEnabled(libre && (todas_->isChecked() || ComboEmpresa_->count() > 0));
   salir_->setEnabled(libre);
-  imprimir_->setEnabled(libre && hayBoletin_);
+  for (QPushButton* b : {imprimir_, vistaPrevia_, impresora_, pdf_}) b->setEnabled(libre && hayBoletin_);
   Command3D8_->setEnabled(enMarcha_ && todas_->isChecked() && !cancelado_);
 }
 
@@ -295,13 +330,6 @@ void TC1VAL::calcula() {
   Dialogos& dialogos = programa_.dialogos();
   dialogos.puntero(Puntero::FlechaReloj);
   try {
-    // The selection of a file closes the master stores when it goes; the run reads them.
-    Almacenes& a = programa_.almacenes;
-    for (const Almacen* maestro : {&a.convenio, &a.empresas, &a.producto, &a.constant, &a.bonifica, &a.desempleo})
-      if (!maestro->abierto()) {
-        a.ABREMAESTROS();
-        break;
-      }
     ejecutaTC1(programa_, e);
   } catch (const std::exception& error) {
     avisaError(dialogos, error);
@@ -353,9 +381,91 @@ void TC1VAL::imprime() {
     avisaError(programa_.dialogos(), e);
     return;
   }
-  if (IMPRIMEBOLETIN(boletin_, grid_, leerred(registro, Check4_->isChecked()), puerto, programa_.dialogos())) {
-    Panel3D3_->setText(QStringLiteral("Boletín enviado a ") + QString::fromStdString(puerto.string()));
-    Panel3D3_->show();
+  const bool impreso =
+      IMPRIMEBOLETIN(boletin_, grid_, leerred(registro, Check4_->isChecked()), puerto, programa_.dialogos());
+  // The outcome stays on the form either way: the clerk sees whether the statement went.
+  const QString donde = QString::fromStdString(puerto.string());
+  Panel3D3_->setText(impreso ? QStringLiteral("Boletín enviado a %1.").arg(donde)
+                             : QStringLiteral("El boletín no se ha impreso: no se ha podido enviar a %1.").arg(donde));
+  Panel3D3_->show();
+}
+
+std::optional<PaginaBoletin> TC1VAL::pagina() {
+  Desplazamiento desplazamiento;
+  const std::string& texto = programa_.g.DESPLAZAMIENTOIMPRESO;
+  if (!texto.empty()) {
+    const auto leido = leeDesplazamiento(texto);
+    if (!leido) {
+      programa_.dialogos().mensaje(tituloValdor(), desplazamientoRechazado("VALDOR_DESPLAZAMIENTO", texto),
+                                   Icono::Critico);
+      return std::nullopt;
+    }
+    desplazamiento = *leido;
+  }
+  REGINTERCAMBIO registro = registroEnBlanco();
+  try {
+    FicheroAjustes(programa_.carpetas().trabajo).lee(registro);
+  } catch (const std::exception& e) {
+    avisaError(programa_.dialogos(), e);
+    return std::nullopt;
+  }
+  const auto lineas = lineasBoletin(boletin_, grid_, leerred(registro, Check4_->isChecked()));
+  return paginaBoletin(lineas, conImpreso_->isChecked(), desplazamiento);
+}
+
+void TC1VAL::cuentaResultado(const QString& hecho, const QString& fallo) {
+  if (!fallo.isEmpty()) programa_.dialogos().mensaje("ERROR DE IMPRESION", aCp1252(fallo), Icono::Critico);
+  Panel3D3_->setText(fallo.isEmpty() ? hecho : fallo);
+  Panel3D3_->show();
+}
+
+void TC1VAL::vistaPrevia() {
+  if (enMarcha_ || !hayBoletin_) return;
+  const auto p = pagina();
+  if (!p) return;
+  QPrinter impresora(QPrinter::HighResolution);
+  preparaImpresora(impresora);
+  QPrintPreviewDialog dialogo(&impresora, this);
+  dialogo.setObjectName(QStringLiteral("VistaPreviaBoletin"));
+  dialogo.setWindowTitle(QStringLiteral("Vista previa del boletín"));
+  dialogo.resize(1000, 720);
+  QString fallo;
+  connect(&dialogo, &QPrintPreviewDialog::paintRequested, this,
+          [&](QPrinter* destino) { fallo = imprimePagina(*destino, *p); });
+  dialogo.exec();
+  if (!fallo.isEmpty()) programa_.dialogos().mensaje("ERROR DE IMPRESION", aCp1252(fallo), Icono::Critico);
+}
+
+void TC1VAL::imprimeEnImpresora() {
+  if (enMarcha_ || !hayBoletin_) return;
+  const auto p = pagina();
+  if (!p) return;
+  QPrinter impresora(QPrinter::HighResolution);
+  preparaImpresora(impresora);
+  QPrintDialog dialogo(&impresora, this);
+  dialogo.setWindowTitle(QStringLiteral("Imprimir el boletín"));
+  if (dialogo.exec() != QDialog::Accepted) return;
+  cuentaResultado(QStringLiteral("Boletín enviado a la impresora «%1».").arg(impresora.printerName()),
+                  imprimePagina(impresora, *p));
+}
+
+void TC1VAL::guardaPdf() {
+  if (enMarcha_ || !hayBoletin_) return;
+  const QString nombre = QFileDialog::getSaveFileName(this, QStringLiteral("Guardar el boletín en PDF"),
+                                                      QStringLiteral("boletin.pdf"), QStringLiteral("PDF (*.pdf)"));
+  if (nombre.isEmpty()) return;
+  guardaPdfEn(nombre);
+}
+
+void TC1VAL::guardaPdfEn(const QString& nombre) {
+  if (enMarcha_ || !hayBoletin_) return;
+  const auto p = pagina();
+  if (!p) return;
+  try {
+    escribePdf(std::filesystem::path(nombre.toStdString()), *p);
+    cuentaResultado(QStringLiteral("Boletín guardado en el PDF %1.").arg(nombre), {});
+  } catch (const std::exception& e) {
+    cuentaResultado({}, aQString(e.what()));
   }
 }
 
@@ -364,6 +474,13 @@ void TC1VAL::sal() {
     marco->close();
   else
     close();
+}
+
+void TC1VAL::resizeEvent(QResizeEvent* evento) {
+  // The statement's right-hand blocks go under it when the window is too narrow for both
+  // columns, so that nothing is cut on the right.
+  vista_->apila(width() < vista_->anchoEnDosColumnas() + 2 * MARGEN + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
+  QWidget::resizeEvent(evento);
 }
 
 void TC1VAL::closeEvent(QCloseEvent* evento) {

@@ -12,18 +12,25 @@
 // "VistaBoletin" and the line list "ListaTC1".
 //
 // "Imprimir" prints the statement on screen on the pre-printed form, to the port of the
-// settings (VALDOR_IMPRESORA, else LPT1).
+// settings (VALDOR_IMPRESORA, else LPT1). The same lines drawn on a page, at the same
+// rows and columns: "VistaPrevia" shows it (and prints it from there), "Impresora"
+// sends it to a printer of the system through the print dialog, "Pdf" keeps it in a
+// PDF file; "ConImpreso" adds the form's rules and captions for plain paper. Every
+// outcome is told in "Panel3D3", and a failure in a box that names the port, the
+// printer or the file.
 #pragma once
 
 #include <QElapsedTimer>
 #include <QWidget>
 #include <array>
+#include <optional>
 #include <string>
 #include <vector>
 
 #include "statement/estado.h"
 #include "fan/seleccion.h"
 #include "statement/hojatc2.h"
+#include "statement/pagina.h"
 
 class QCheckBox;
 class QComboBox;
@@ -51,6 +58,8 @@ class TC1VAL : public QWidget {
   bool enMarcha() const { return enMarcha_; }
   // "Cancelar": the all-companies run stops at its next company break.
   void cancela();
+  // What "Pdf" does once the file is named.
+  void guardaPdfEn(const QString& nombre);
 
  signals:
   // A run starts (true) or ends (false): the main window keeps its other commands
@@ -61,6 +70,7 @@ class TC1VAL : public QWidget {
 
  protected:
   void closeEvent(QCloseEvent* evento) override;
+  void resizeEvent(QResizeEvent* evento) override;
 
  private:
   void construye();
@@ -68,6 +78,14 @@ class TC1VAL : public QWidget {
   void actualizaControles();
   void calcula();
   void imprime();
+  void vistaPrevia();
+  void imprimeEnImpresora();
+  void guardaPdf();
+  // The page of the statement on screen, or std::nullopt after telling why not.
+  std::optional<PaginaBoletin> pagina();
+  // The outcome of a printing on the form: `hecho` when it went, else `fallo` (which
+  // names the printer or the file and says why), in a box as well.
+  void cuentaResultado(const QString& hecho, const QString& fallo);
   void sal();
 
   // A month may hold thousands of companies: the statement is drawn at most every
@@ -102,7 +120,8 @@ class TC1VAL : public QWidget {
   QRadioButton *todas_ = nullptr, *una_ = nullptr;
   QPushButton *calcular_ = nullptr, *Command3D8_ = nullptr, *tc2_ = nullptr, *imprimir_ = nullptr,
               *salir_ = nullptr;
-  QCheckBox* Check4_ = nullptr;
+  QPushButton *vistaPrevia_ = nullptr, *impresora_ = nullptr, *pdf_ = nullptr;
+  QCheckBox *Check4_ = nullptr, *conImpreso_ = nullptr;
   QLabel* Panel3D3_ = nullptr;
   VistaBoletin* vista_ = nullptr;
   QListWidget* ListaTC1_ = nullptr;

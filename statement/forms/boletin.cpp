@@ -11,6 +11,7 @@
 
 #include "statement/estado.h"
 #include "shell/forms/texto_qt.h"
+#include "stores/numeros.h"
 #include "stores/texto.h"
 
 namespace valdor::formularios {
@@ -90,10 +91,11 @@ QLineEdit* VistaBoletin::caja(int numero, int caracteres, bool importe) {
   return c;
 }
 
-VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre) {
+VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadoresDelSistema().decimal) {
   setObjectName(QStringLiteral("VistaBoletin"));
-  auto* capa = new QHBoxLayout(this);
+  auto* capa = new QBoxLayout(QBoxLayout::LeftToRight, this);
   capa->setContentsMargins(0, 0, 0, 0);
+  capa_ = capa;
   auto* columnaBoletin = new QVBoxLayout;
   auto* columnaDerecha = new QVBoxLayout;
   capa->addLayout(columnaBoletin, 1);
@@ -285,6 +287,18 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre) {
   columnaDerecha->addStretch(1);
 }
 
+void VistaBoletin::apila(bool apilada) {
+  capa_->setDirection(apilada ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
+}
+
+int VistaBoletin::anchoEnDosColumnas() const {
+  const QBoxLayout::Direction antes = capa_->direction();
+  capa_->setDirection(QBoxLayout::LeftToRight);
+  const int ancho = capa_->minimumSize().width();
+  capa_->setDirection(antes);
+  return ancho;
+}
+
 void VistaBoletin::muestraHoja(bool visible) { hoja_->setVisible(visible); }
 
 bool VistaBoletin::hojaVisible() const { return !hoja_->isHidden(); }
@@ -293,7 +307,7 @@ void VistaBoletin::muestra(const valdor::EstadoCalculo& calculo) { muestra(calcu
 
 void VistaBoletin::muestra(const CajasBoletin& cajas, const HojaTC2& hoja) {
   for (std::size_t n = 0; n < cajas_.size(); ++n)
-    if (cajas_[n]) pon(cajas_[n], recortaDer(cajas[n]));
+    if (cajas_[n]) pon(cajas_[n], cajaEnPantalla(static_cast<int>(n), recortaDer(cajas[n]), decimal_));
   pon(apellidos_, hoja.apellidos);
   pon(nombre_, hoja.nombre);
   pon(afiliacion_, hoja.afiliacion);
@@ -301,12 +315,12 @@ void VistaBoletin::muestra(const CajasBoletin& cajas, const HojaTC2& hoja) {
   pon(diasAlta_, hoja.diasAlta);
   pon(grupo_, hoja.grupoCotizacion);
   pon(contrato_, hoja.claseContrato);
-  pon(horas_, hoja.horas);
+  pon(horas_, cifraEnPantalla(hoja.horas, decimal_));
   pon(epigrafe_, hoja.epigrafe);
   pon(diasIT_, hoja.diasIT);
   pon(diasMaternidad_, hoja.diasMaternidad);
   pon(epigrafeIT_, hoja.epigrafeIT);
-  pon(baseAT_, hoja.baseAT);
+  pon(baseAT_, cifraEnPantalla(hoja.baseAT, decimal_));
   pon(fechaBonificacion_, hoja.fechaBonificacion);
 }
 

@@ -17,6 +17,7 @@
 #include "statement/estado.h"
 #include "statement/hojatc2.h"
 
+class QBoxLayout;
 class QGroupBox;
 class QLineEdit;
 
@@ -38,6 +39,16 @@ class VistaBoletin : public QWidget {
   // the blanks that fill the box's field on the right.
   void muestra(const CajasBoletin& cajas, const HojaTC2& hoja);
 
+  // The decimal separator the figures are shown with: the user's, unless the program
+  // pins another.
+  void usaDecimal(char decimal) { decimal_ = decimal; }
+
+  // The blocks on the right (accidents at work, other contributions, the sheet) beside
+  // the statement, or under it in a narrow window.
+  void apila(bool apilada);
+  // The width the view needs with the blocks beside the statement.
+  int anchoEnDosColumnas() const;
+
   // The worker's sheet shown or hidden; the statement stays as it is.
   void muestraHoja(bool visible);
   bool hojaVisible() const;
@@ -46,6 +57,8 @@ class VistaBoletin : public QWidget {
   QLineEdit* caja(int numero, int caracteres, bool importe);
   QLineEdit* campoHoja(const char* nombre, int caracteres, bool importe);
 
+  char decimal_;
+  QBoxLayout* capa_ = nullptr;
   // The field of each box (nullptr for the boxes not shown).
   std::array<QLineEdit*, 81> cajas_{};
   QGroupBox* hoja_ = nullptr;

@@ -95,7 +95,8 @@ class DuranteLaEjecucion {
 
 // The form by itself over the sample office.
 struct Formulario {
-  explicit Formulario(Momento momento = MOMENTO) : programa(o.carpetas, o.dialogos, {}, momento) {
+  explicit Formulario(Momento momento = MOMENTO, Separadores separadores = {})
+      : programa(o.carpetas, o.dialogos, separadores, momento) {
     programa.arranca();
     f = std::make_unique<TC1VAL>(programa);
     f->resize(1100, 900);
@@ -199,7 +200,9 @@ class PruebaBoletinTC1 : public QObject {
     QCOMPARE(progreso, q("Dortek está calculando el modelo TC1 para la empresa Café Nórdico Lars Hansen"_cp));
     QCOMPARE(s.o.dialogos.mensajes.size(), std::size_t{1});
     QCOMPARE(s.o.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
-    QCOMPARE(s.o.dialogos.mensajes[0].texto, std::string("DORTEK ha finalizado la impresión de sus modelos TC-1"_cp));
+    QCOMPARE(s.o.dialogos.mensajes[0].texto,
+             std::string("VALDOR+ ha calculado el boletín TC-1 de 4 empresas. No se ha impreso ninguno: "
+                         "«Imprimir» imprime el que se ve en pantalla."_cp));
     QCOMPARE(s.o.dialogos.mensajes[0].icono, Icono::Informacion);
     QCOMPARE(caja(s.f.get(), 1), q("Asociación Cultural Río Ebro"_cp));
     compruebaLineasDelBoletin(s.f.get());
@@ -215,6 +218,45 @@ class PruebaBoletinTC1 : public QObject {
     QCOMPARE(caja(s.f.get(), 1), q("Café Nórdico Lars Hansen"_cp));
     compruebaLineasDelBoletin(s.f.get());
     QCOMPARE(mandos(s.f.get()), LIBRE);
+  }
+
+  void lasCifrasConLaComaDelUsuarioYLaImpresionContadaTalCual() {
+    // A user whose decimal separator is the comma: every figure of the statement shows
+    // it, the amounts (written with a point) as much as the rates (written with a comma).
+    Formulario s(MOMENTO, Separadores{',', '.'});
+    s.c<QRadioButton>("Option3D1_1")->click();
+    s.c("ComboEmpresa")->setCurrentIndex(3);
+    s.calcula();
+    int conComa = 0;
+    for (int n = 1; n <= 80; ++n) {
+      const auto* campo = s.f->findChild<QLineEdit*>(QStringLiteral("Text%1").arg(n));
+      if (!campo || !cajaDeCifra(n)) continue;
+      QVERIFY2(!campo->text().contains(QLatin1Char('.')), qPrintable(campo->objectName() + campo->text()));
+      conComa += campo->text().contains(QLatin1Char(',')) ? 1 : 0;
+    }
+    QVERIFY(conComa >= 3);
+
+    // A port that fails: the box names it, and the form says that nothing was printed.
+    s.programa.g.PUERTOIMPRESORA = "LPT3";
+    s.c<QPushButton>("Imprimir")->click();
+    QCOMPARE(s.o.dialogos.preguntas.size(), std::size_t{1});
+    QVERIFY(s.o.dialogos.preguntas[0].texto.find("\"/dev/lp2\"") != std::string::npos);
+    QCOMPARE(s.c<QLabel>("Panel3D3")->text(),
+             QStringLiteral("El boletín no se ha impreso: no se ha podido enviar a /dev/lp2."));
+
+    // The PDF: written and told; a folder that is not there, named in the box.
+    const auto pdf = s.o.carpetas.trabajo / "boletin.pdf";
+    s.f->guardaPdfEn(QString::fromStdString(pdf.string()));
+    QVERIFY(pruebas::leeBytes(pdf).starts_with("%PDF-1.4"));
+    QCOMPARE(s.c<QLabel>("Panel3D3")->text(), QStringLiteral("Boletín guardado en el PDF %1.").arg(pdf.c_str()));
+    const auto mal = s.o.carpetas.trabajo / "no" / "boletin.pdf";
+    s.f->guardaPdfEn(QString::fromStdString(mal.string()));
+    QCOMPARE(s.o.dialogos.mensajes.size(), std::size_t{1});
+    QVERIFY(s.o.dialogos.mensajes[0].texto.find(mal.string()) != std::string::npos);
+    QCOMPARE(s.c<QLabel>("Panel3D3")->text(),
+             QStringLiteral("No se ha podido escribir el PDF \"%1\": no existe el fichero o la carpeta. El fichero no "
+                            "se ha generado.")
+                 .arg(mal.c_str()));
   }
 
   void laVentanaPrincipalLoAbreYEsperaMientrasCalcula() {
