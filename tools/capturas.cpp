@@ -79,9 +79,10 @@ int main(int argc, char** argv) {
   seleccion.show();
   seleccion.findChild<QPushButton*>(QStringLiteral("PRESIONBOTON"))->click();
   auto* rejilla = seleccion.findChild<QTableWidget*>(QStringLiteral("grid"));
-  for (int fila : {0, 2, 3}) rejilla->item(fila, formularios::COTIZACION::SEL)->setCheckState(Qt::Checked);
+  for (int fila : {10, 12, 15}) rejilla->item(fila, formularios::COTIZACION::SEL)->setCheckState(Qt::Checked);
   auto* filtro = seleccion.findChild<QLineEdit*>(QStringLiteral("filtro"));
-  filtro->setText(QStringLiteral("2800000001"));
+  // Part of the generated names ("EMPRESA DE MUESTRA 00011, S.L."), in small letters.
+  filtro->setText(QStringLiteral("muestra 0001"));
   QApplication::processEvents();
   bool bien = guarda(&seleccion, salida / "seleccion-empresas.png");
   filtro->clear();

@@ -41,7 +41,7 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
   vista_ = new VistaBoletin(this);
   capa->addWidget(vista_, 1);
 
-  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+  if (auto* dialogos = dialogosQt(programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, this,
             [this](int porcentaje, const QString& e1, const QString& e2) {
               etiqueta1_->setText(e1);

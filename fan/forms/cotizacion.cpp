@@ -71,7 +71,7 @@ COTIZACION::COTIZACION(Programa& programa, PaginaIntercambio& pagina, MotorCotiz
   muestraRejilla();
 
   // The run's progress, when the desktop's boxes tell it.
-  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+  if (auto* dialogos = dialogosQt(programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, this,
             [this](int porcentaje, const QString& etiqueta1, const QString& etiqueta2) {
               progreso_->setValue(porcentaje);

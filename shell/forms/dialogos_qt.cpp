@@ -121,6 +121,11 @@ void DialogosQt::aplicaPuntero() {
   }
 }
 
+DialogosQt* dialogosQt(Dialogos& dialogos) {
+  if (auto* contados = dynamic_cast<DialogosContados*>(&dialogos)) return dialogosQt(contados->dentro());
+  return dynamic_cast<DialogosQt*>(&dialogos);
+}
+
 void avisaError(Dialogos& dialogos, const std::exception& error) {
   // The core's errors carry Windows-1252 text already; anything else speaks UTF-8.
   const bool delNucleo = dynamic_cast<const ErrorValdor*>(&error) != nullptr;

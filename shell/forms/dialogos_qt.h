@@ -55,11 +55,15 @@ class DialogosQt : public QObject, public Dialogos {
   int entradaAceptada_ = 0;
 };
 
+// The desktop's dialogs behind `dialogos` (a program's dialogs are counted around
+// them), or nullptr when the screen does not answer them.
+DialogosQt* dialogosQt(Dialogos& dialogos);
+
 // While it lives, the progress of `dialogos` (when they are the desktop's) takes the
 // user's input: the window that shows the run offers "Cancelar".
 class EntradaDuranteTrabajo {
  public:
-  explicit EntradaDuranteTrabajo(Dialogos& dialogos) : qt_(dynamic_cast<DialogosQt*>(&dialogos)) {
+  explicit EntradaDuranteTrabajo(Dialogos& dialogos) : qt_(dialogosQt(dialogos)) {
     if (qt_) qt_->aceptaEntrada(true);
   }
   ~EntradaDuranteTrabajo() {
