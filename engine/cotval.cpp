@@ -1,6 +1,7 @@
 #include "engine/cotval.h"
 
 #include <optional>
+#include <unordered_set>
 
 #include "engine/bonificaciones.h"
 #include "fan/seleccion.h"
@@ -215,6 +216,9 @@ void COTVAL::CALCULAEMPRESAS(const COTIZACION& sel) {
     return;  // a month that cannot be read: the run ends without a word
   }
   if (!q) return;
+  // The companies met so far, for "empresa n de N": a month's rows come company by company.
+  std::unordered_set<std::string> empresasVistas;
+  std::string empresaAnterior;
   for (double n = 1; q->siguiente(); ++n) {
     const FilaNomina f = leeFilaNomina(*q);
     const int porcentaje = static_cast<int>(std::min(100.0, REDONDEA2R(n * 100.0 / total)));
@@ -222,9 +226,17 @@ void COTVAL::CALCULAEMPRESAS(const COTIZACION& sel) {
     if (REDONDEA2(f.BSSE.texto()) == 0 && REDONDEA2(f.BMATRI.texto()) == 0) continue;
     v.EMPACT = f.BSSE.texto();
     v.TRAACT = f.BMATRI.texto();
+    if (v.EMPACT != empresaAnterior) {
+      empresaAnterior = v.EMPACT;
+      empresasVistas.insert(recorta(v.EMPACT));
+    }
     GRID1.filaActual = 1;
     CARGAEMPRESA("");
-    programa_.dialogos().progreso(porcentaje, "Calculando: " + f.BNOMBRE.texto(), f.BTRABA.texto());
+    programa_.dialogos().progreso(
+        porcentaje, textoEmpresaDe("Calculando", empresasVistas.size(), codigos.size(), f.BNOMBRE.texto()),
+        f.BTRABA.texto());
+    // A stop asked while the last worker was shown ends the run before the next one.
+    programa_.atiendeParada();
     GRID1.LIMPIAGRID();
     filaDeTrabajo(f);
     try {

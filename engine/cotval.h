@@ -79,7 +79,8 @@ class COTVAL final : public EstadoCalculo {
   void filaDeTrabajo(const FilaNomina& fila);
 
   // CALCULAEMPRESAS over the marked companies of the selection; reports the progress
-  // through the dialogs.
+  // through the dialogs (the company's number among the marked ones, its name, the
+  // worker) and, after each report, throws TrabajoCancelado when the user asked to stop.
   void CALCULAEMPRESAS(const COTIZACION& sel);
 
  private:

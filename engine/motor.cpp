@@ -46,19 +46,24 @@ void MotorCalculo::COTVAL(Programa& programa, COTIZACION& sel) {
   a.ANOPERIODO = textoAnoPeriodo(sel.anoDelPeriodo());
   a.CREAPERIODO();
   a.ABREPERIODO();
-  {
-    // One read lock per store for the whole run, instead of one per read.
-    LecturaContinua l1(a.periodo), l2(a.producto), l3(a.empresas), l4(a.constant), l5(a.desempleo),
-        l6(a.bonifica), l7(a.formacion), l8(a.ilts), l9(a.convenio), l10(a.tipodoc);
-    // The worker's lines of the whole run go to the temp store in one write.
-    std::optional<Transaccion> lineas;
-    if (a.temporal.abierto()) lineas.emplace(a.temporal);
-    calculo.CALCULAEMPRESAS(sel);
-    if (lineas) lineas->confirma();
-  }
-  a.CIERRAPERIODO();
-  a.CIERRAFORMACION();
-  a.CIERRAILTS();
+  // The stores are closed however the run ends: a stop asked by the user, a figure too
+  // wide for its line.
+  struct Cierre {
+    Almacenes& a;
+    ~Cierre() {
+      a.CIERRAPERIODO();
+      a.CIERRAFORMACION();
+      a.CIERRAILTS();
+    }
+  } cierre{a};
+  // One read lock per store for the whole run, instead of one per read.
+  LecturaContinua l1(a.periodo), l2(a.producto), l3(a.empresas), l4(a.constant), l5(a.desempleo), l6(a.bonifica),
+      l7(a.formacion), l8(a.ilts), l9(a.convenio), l10(a.tipodoc);
+  // The worker's lines of the whole run go to the temp store in one write.
+  std::optional<Transaccion> lineas;
+  if (a.temporal.abierto()) lineas.emplace(a.temporal);
+  calculo.CALCULAEMPRESAS(sel);
+  if (lineas) lineas->confirma();
 }
 
 MotorCalculo::AperturaTC1::AperturaTC1(Almacenes& a, int mes, int ano, bool crea) : almacenes(a) {

@@ -212,7 +212,13 @@ void escribeFAN(Programa& programa, PaginaIntercambio& pagina, COTIZACION& sel, 
   LecturaContinua lecturaTemporal(a.temporal), lecturaEmpresas(a.empresas);
   for (FilaEmpresa& fila : sel.grid) {
     if (!fila.marcada) continue;
-    dialogos.progreso(marcadas ? 100 * hechas++ / marcadas : 0, "Generando fichero:", fila.BNOMBRE);
+    dialogos.progreso(marcadas ? 100 * hechas / marcadas : 0,
+                      textoEmpresaDe("Generando fichero", static_cast<std::size_t>(hechas + 1),
+                                     static_cast<std::size_t>(marcadas), fila.BNOMBRE),
+                      "");
+    ++hechas;
+    // A stop asked while the last company was written ends the file before the next one.
+    programa.atiendeParada();
     const std::string CODEMPRESA = fila.BSSE;
     if (valorNumerico(CODEMPRESA) == 0) continue;
     LINEAEMP(a.ESA, sel, fila, g.TEXTOPLANO);
@@ -270,6 +276,7 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
     Programa& programa;
     ~FinTC1() { motor.terminaTC1(programa); }
   } finTC1{motor, programa};
+  programa.retiraParada();
   try {
     motor.adelantaTC1(programa, sel);
     motor.COTVAL(programa, sel);
@@ -280,6 +287,10 @@ std::optional<std::string> comando(Programa& programa, PaginaIntercambio& pagina
     escribeFAN(programa, pagina, sel, motor, fichero);
     if (const auto motivo = programa.motivoDeFallo(inicio)) throw ErrorFichero(*motivo);
     fichero.confirma(programa.revisaEscrito);
+  } catch (const TrabajoCancelado& e) {
+    // The temporary file goes with `fichero`; an old file of that name stays as it was.
+    dialogos.mensaje(tituloValdor(), e.what(), Icono::Informacion);
+    return std::nullopt;
   } catch (const ErrorValdor& e) {
     dialogos.mensaje(tituloValdor(), conFicheroNoGenerado(e.what()), Icono::Critico);
     return std::nullopt;

@@ -1,5 +1,7 @@
 #include "fan/seleccion.h"
 
+#include <algorithm>
+
 #include "shell/asistente.h"
 #include "shell/programa.h"
 #include "stores/literales.h"
@@ -142,6 +144,29 @@ void PRESIONBOTON(Programa& programa, PaginaIntercambio& pagina, COTIZACION& sel
 void marcaTodas(COTIZACION& sel, bool marcar) {
   for (FilaEmpresa& f : sel.grid)
     if (valorNumerico(f.BSSE) != 0) f.marcada = marcar;
+}
+
+int empresasMarcadas(const COTIZACION& sel) {
+  return static_cast<int>(std::count_if(sel.grid.begin(), sel.grid.end(), [](const FilaEmpresa& f) { return f.marcada; }));
+}
+
+std::string textoCuentaEmpresas(const COTIZACION& sel) {
+  const std::size_t total = sel.grid.size();
+  const int marcadas = empresasMarcadas(sel);
+  return std::to_string(total).append(total == 1 ? " empresa, " : " empresas, ").append(std::to_string(marcadas))
+      .append(marcadas == 1 ? " marcada" : " marcadas");
+}
+
+bool pasaFiltro(const FilaEmpresa& fila, std::string_view filtro) {
+  const std::string buscado = mayusculas(recorta(filtro));
+  return buscado.empty() || mayusculas(fila.BSSE).find(buscado) != std::string::npos ||
+         mayusculas(fila.BNOMBRE).find(buscado) != std::string::npos;
+}
+
+std::string textoEmpresaDe(std::string_view que, std::size_t n, std::size_t de, std::string_view nombre) {
+  std::string texto = std::string(que).append(": empresa ").append(std::to_string(n)).append(" de ").append(std::to_string(de));
+  if (const std::string limpio = recorta(nombre); !limpio.empty()) texto.append(", ").append(limpio);
+  return texto;
 }
 
 bool puedeProcesar(Programa& programa, COTIZACION& sel) {

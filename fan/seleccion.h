@@ -6,6 +6,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "stores/catalogo.h"
@@ -97,6 +98,17 @@ void PRESIONBOTON(Programa& programa, PaginaIntercambio& pagina, COTIZACION& sel
 // "Marcar todas": marks (or clears) every row whose code reads other than 0; a code
 // that begins with a letter reads 0 and is not touched.
 void marcaTodas(COTIZACION& sel, bool marcar);
+
+// The rows marked.
+int empresasMarcadas(const COTIZACION& sel);
+// The count under the company list: "4 empresas, 2 marcadas" (singular for one).
+std::string textoCuentaEmpresas(const COTIZACION& sel);
+// The filter of the company list as the user types: true when `filtro` (blanks around
+// it ignored) is empty or stands in the row's code or name, in any case.
+bool pasaFiltro(const FilaEmpresa& fila, std::string_view filtro);
+// The first label of a run's progress over the marked companies:
+// "Calculando: empresa 3 de 20, NAME" (no name, no comma).
+std::string textoEmpresaDe(std::string_view que, std::size_t n, std::size_t de, std::string_view nombre);
 
 // "Procesar": with no row marked, the message and false; otherwise "Alfabética" is
 // disabled and true: the caller goes on with the run.

@@ -60,6 +60,8 @@ class DialogosContados : public Dialogos {
   }
   void puntero(Puntero p) override { dentro_.puntero(p); }
   int errores() const { return errores_; }
+  // The dialogs it passes through to (the screen's, when the desktop runs).
+  Dialogos& dentro() const { return dentro_; }
 
  private:
   Dialogos& dentro_;

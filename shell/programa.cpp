@@ -43,6 +43,13 @@ std::optional<std::string> Programa::motivoDeFallo(MarcaTrabajo inicio) const {
   return std::nullopt;
 }
 
+void Programa::atiendeParada() const {
+  if (parada_) throw TrabajoCancelado();
+}
+
+TrabajoCancelado::TrabajoCancelado()
+    : ErrorValdor(std::string("Proceso cancelado por el usuario. El fichero no se ha generado."_cp)) {}
+
 void Programa::tomaCarpeta() {
   if (cerrojo_) return;
   cerrojo_.emplace(carpetas().trabajo);

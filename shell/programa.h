@@ -5,6 +5,7 @@
 #pragma once
 
 #include <array>
+#include <atomic>
 #include <optional>
 #include <string>
 
@@ -92,6 +93,14 @@ class Programa {
   // closed since its opening failed; an error shown), or std::nullopt.
   MarcaTrabajo marca() const { return {dialogos_.errores(), almacenes.fallos().cuenta}; }
   std::optional<std::string> motivoDeFallo(MarcaTrabajo inicio) const;
+
+  // The user's request to stop the job that runs (the desktop's "Cancelar"). A job
+  // clears it when it starts and calls `atiendeParada` between two workers and two
+  // companies, which throws TrabajoCancelado once a stop was asked.
+  void pideParada() { parada_ = true; }
+  void retiraParada() { parada_ = false; }
+  bool paradaPedida() const { return parada_; }
+  void atiendeParada() const;
   const Carpetas& carpetas() const { return almacenes.carpetas(); }
   const Separadores& separadores() const { return sistema_; }
   Momento ahora() const { return ahora_ ? *ahora_ : momentoActual(); }
@@ -115,12 +124,19 @@ class Programa {
   std::optional<Momento> ahora_;
   bool arrancado_ = false;
   std::optional<CerrojoCarpeta> cerrojo_;
+  std::atomic<bool> parada_ = false;
 };
 
 // Another run holds the work folder: its temp store is that run's alone.
 class CarpetaOcupada : public ErrorValdor {
  public:
   using ErrorValdor::ErrorValdor;
+};
+
+// A job stopped at the user's request: nothing failed, and nothing was written.
+class TrabajoCancelado : public ErrorValdor {
+ public:
+  TrabajoCancelado();
 };
 
 }  // namespace valdor

@@ -50,7 +50,7 @@ TEST(COTVAL, DiasYBasesConLaMaternidadLaDeduccionYLaBase126) {
 
   ASSERT_FALSE(m.dialogos.progresos.empty());
   EXPECT_EQ(m.dialogos.progresos.back().titulo, "100");
-  EXPECT_EQ(m.dialogos.progresos.back().texto, "Calculando: EMPRESA 28000000001|RUIZ SOLA, ANA");
+  EXPECT_EQ(m.dialogos.progresos.back().texto, "Calculando: empresa 1 de 1, EMPRESA 28000000001|RUIZ SOLA, ANA");
 }
 
 TEST(COTVAL, ContratoClaseDeJornadaYTrabajador) {

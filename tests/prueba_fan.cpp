@@ -256,6 +256,30 @@ TEST(FicheroFAN, LasLineasDeCadaEmpresaSalenEnSuOrdenYElPieCuentaElFichero) {
                    "   ");
 }
 
+// The user's Cancelar, met while the first company's TC1 is worked out: the file stops
+// before the next company, no file nor temporary file is left, and the user is told.
+TEST(FicheroFAN, CancelarEntreEmpresasNoDejaFicheroYLoDice) {
+  struct MotorQueCancela : MotorGuionado {
+    void TC1VAL(Programa& p, COTIZACION&, PaginaIntercambio&, const std::string&) override { p.pideParada(); }
+  };
+  Intercambio x;
+  MotorQueCancela motor;
+  EXPECT_FALSE(comando(x.programa, x.pagina, x.sel, motor));
+  EXPECT_TRUE(fs::is_empty(x.c / "wine/drive_c/WINSUITE/VIPTC2/FAN"));
+  ASSERT_EQ(x.dialogos.mensajes.size(), 1u);
+  EXPECT_EQ(x.dialogos.mensajes[0].icono, Icono::Informacion);
+  EXPECT_EQ(x.dialogos.mensajes[0].texto, "Proceso cancelado por el usuario. El fichero no se ha generado.");
+  // The three marked companies; the second was announced, the third never reached.
+  std::vector<std::string> textos;
+  for (const auto& p : x.dialogos.progresos) textos.push_back(p.texto);
+  EXPECT_EQ(textos, (std::vector<std::string>{"Generando fichero: empresa 1 de 3, PRIMERA|",
+                                              "Generando fichero: empresa 2 de 3, CERO|"}));
+
+  // The next job starts without the stop of the one before.
+  EXPECT_TRUE(comando(x.programa, x.pagina, x.sel, x.motor));
+  EXPECT_EQ(x.lineas().back().substr(0, 3), "ETF");
+}
+
 TEST(FicheroFAN, ElPieRepiteElIntercambioYCuentaLasLineasPorLaLongitud) {
   PaginaIntercambio p;
   p.marcaCotizacion();
@@ -337,6 +361,22 @@ TEST(Seleccion, LosValoresPorDefectoYLasMarcas) {
   EXPECT_FALSE(sel.alfabeticaActiva);
   cancelaCOTIZACION(enero);
   EXPECT_EQ(enero.g.CANCELADO, 1);
+}
+
+TEST(Seleccion, LaCuentaYElFiltroDeLaLista) {
+  COTIZACION sel;
+  EXPECT_EQ(textoCuentaEmpresas(sel), "0 empresas, 0 marcadas");
+  sel.grid = {{std::string("Construcciones Peñalara"_cp), true, "28000000001", "", "", 1}};
+  EXPECT_EQ(textoCuentaEmpresas(sel), "1 empresa, 1 marcada");
+  sel.grid.push_back({std::string("Café Nórdico"_cp), false, "08000000027", "", "", 1});
+  EXPECT_EQ(textoCuentaEmpresas(sel), "2 empresas, 1 marcada");
+
+  const FilaEmpresa& penalara = sel.grid[0];
+  EXPECT_TRUE(pasaFiltro(penalara, "  "));
+  EXPECT_TRUE(pasaFiltro(penalara, " PEÑA"_cp));  // any case, the accented letters too
+  EXPECT_TRUE(pasaFiltro(penalara, "00001"));    // the code
+  EXPECT_FALSE(pasaFiltro(penalara, "pena"));    // an accent is a letter of its own
+  EXPECT_FALSE(pasaFiltro(penalara, "27"));
 }
 
 }  // namespace

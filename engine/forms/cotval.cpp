@@ -1,7 +1,9 @@
 #include "engine/forms/cotval.h"
 
 #include <QLabel>
+#include <QHBoxLayout>
 #include <QProgressBar>
+#include <QPushButton>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -25,14 +27,21 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
   progreso_ = new QProgressBar(this);
   progreso_->setObjectName(QStringLiteral("ProgressBar1"));
   progreso_->setRange(0, 100);
+  cancelar_ = new QPushButton(QStringLiteral("&Cancelar"), this);
+  cancelar_->setObjectName(QStringLiteral("Cancelar"));
+  cancelar_->setAutoDefault(false);
+  connect(cancelar_, &QPushButton::clicked, this, &COTVAL::pideCancelar);
   auto* capa = new QVBoxLayout(this);
   capa->addWidget(etiqueta1_);
   capa->addWidget(etiqueta2_);
-  capa->addWidget(progreso_);
+  auto* barra = new QHBoxLayout;
+  barra->addWidget(progreso_, 1);
+  barra->addWidget(cancelar_);
+  capa->addLayout(barra);
   vista_ = new VistaBoletin(this);
   capa->addWidget(vista_, 1);
 
-  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+  if (auto* dialogos = dialogosQt(programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, this,
             [this](int porcentaje, const QString& e1, const QString& e2) {
               etiqueta1_->setText(e1);
@@ -48,19 +57,38 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
 }
 
 void COTVAL::ejecuta() {
+  enMarcha_ = true;
   try {
+    EntradaDuranteTrabajo entrada(programa_.dialogos());
     MotorCalculo motor;
     motor.trabajadorCalculado = [this](const valdor::COTVAL& calculo) { trabajadorCalculado(calculo); };
     motor.COTVAL(programa_, seleccion_);
+  } catch (const TrabajoCancelado&) {
+    // The stop stays asked: the caller tells it once the window is gone.
   } catch (const std::exception& e) {
     avisaError(programa_.dialogos(), e);
   }
+  enMarcha_ = false;
   if (pendiente_) {
     vista_->muestra(cajasPendientes_, hojaPendiente_);
     pendiente_ = false;
     vista_->repaint();
   }
   accept();
+}
+
+void COTVAL::pideCancelar() {
+  programa_.pideParada();
+  cancelar_->setEnabled(false);
+  cancelar_->setText(QStringLiteral("Cancelando..."));
+}
+
+void COTVAL::reject() {
+  if (enMarcha_) {
+    pideCancelar();
+    return;
+  }
+  QDialog::reject();
 }
 
 void COTVAL::trabajadorCalculado(const valdor::COTVAL& calculo) {
@@ -77,8 +105,11 @@ void COTVAL::trabajadorCalculado(const valdor::COTVAL& calculo) {
 }
 
 void MotorEscritorio::COTVAL(Programa& programa, valdor::COTIZACION& sel) {
-  formularios::COTVAL ventana(programa, sel, padre_);
-  ventana.exec();
+  {
+    formularios::COTVAL ventana(programa, sel, padre_);
+    ventana.exec();
+  }
+  programa.atiendeParada();
 }
 
 }  // namespace valdor::formularios

@@ -1,7 +1,8 @@
 // COTVAL on the desktop: the statement run's own modal window. It starts its run once it
-// is on screen (a one-shot timer), shows the company and the worker being calculated
-// with the percentage and, under them, the statement of the worker just calculated
-// (the VistaBoletin "VistaBoletin"), and closes itself at the end.
+// is on screen (a one-shot timer), shows "empresa n de N" with the company and the worker
+// being calculated and the percentage and, under them, the statement of the worker just
+// calculated (the VistaBoletin "VistaBoletin"), and closes itself at the end. Its
+// "Cancelar" (also Escape and the window's close) asks the run to stop.
 #pragma once
 
 #include <QDialog>
@@ -13,6 +14,7 @@
 
 class QLabel;
 class QProgressBar;
+class QPushButton;
 
 namespace valdor::formularios {
 
@@ -24,8 +26,12 @@ class COTVAL : public QDialog {
  public:
   COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre);
 
+  // During the run, a stop of the run; afterwards, the window's close.
+  void reject() override;
+
  private:
   void ejecuta();
+  void pideCancelar();
   // A month may have tens of thousands of workers: a statement is drawn at most every
   // INTERVALO milliseconds, and the one not drawn is kept so that the last worker's
   // statement is the one on screen at the end.
@@ -37,14 +43,17 @@ class COTVAL : public QDialog {
   QLabel* etiqueta1_ = nullptr;
   QLabel* etiqueta2_ = nullptr;
   QProgressBar* progreso_ = nullptr;
+  QPushButton* cancelar_ = nullptr;
   VistaBoletin* vista_ = nullptr;
+  bool enMarcha_ = false;
   QElapsedTimer reloj_;
   bool pendiente_ = false;  // a worker calculated since the last drawing
   CajasBoletin cajasPendientes_;
   HojaTC2 hojaPendiente_;
 };
 
-// The engine as the desktop runs it: the statement run inside its modal window.
+// The engine as the desktop runs it: the statement run inside its modal window. A run
+// stopped by its "Cancelar" throws TrabajoCancelado once the window is gone.
 class MotorEscritorio : public MotorCalculo {
  public:
   explicit MotorEscritorio(QWidget* padre) : padre_(padre) {}

@@ -8,6 +8,7 @@
 #include <QHBoxLayout>
 #include <QHeaderView>
 #include <QLabel>
+#include <QLineEdit>
 #include <QProgressBar>
 #include <QPushButton>
 #include <QRadioButton>
@@ -28,17 +29,24 @@ namespace valdor::formularios {
 
 namespace {
 
-// The widths of the list's columns: 3550, 300 and 1000 twips at 15 twips a pixel.
-constexpr int ANCHOEMPRESAS = 237;
-constexpr int ANCHOSEL = 20;
-constexpr int ANCHOCODIGO = 67;
-constexpr int ANCHOTR = 40;
+// The widths of the list's columns, wide enough for their captions.
+constexpr int ANCHOEMPRESAS = 260;
+constexpr int ANCHOSEL = 58;
+constexpr int ANCHOCODIGO = 96;
+constexpr int ANCHOTR = 90;
 
 QComboBox* lista(const char* nombre, const std::vector<std::string>& elementos, QWidget* padre) {
   auto* c = new QComboBox(padre);
   c->setObjectName(QString::fromLatin1(nombre));
   for (const std::string& e : elementos) c->addItem(q(e));
   return c;
+}
+
+// A caption that gives its control the focus by its Alt letter.
+QLabel* rotulo(const QString& texto, QWidget* control, QWidget* padre) {
+  auto* r = new QLabel(texto, padre);
+  r->setBuddy(control);
+  return r;
 }
 
 QTableWidgetItem* celda(const QString& texto, Qt::ItemFlags marcas = Qt::ItemIsEnabled | Qt::ItemIsSelectable) {
@@ -63,7 +71,7 @@ COTIZACION::COTIZACION(Programa& programa, PaginaIntercambio& pagina, MotorCotiz
   muestraRejilla();
 
   // The run's progress, when the desktop's boxes tell it.
-  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+  if (auto* dialogos = dialogosQt(programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, this,
             [this](int porcentaje, const QString& etiqueta1, const QString& etiqueta2) {
               progreso_->setValue(porcentaje);
@@ -77,8 +85,8 @@ void COTIZACION::construye() {
   // The list bar with the two commands.
   auto* barra = new BarraLista(q("Cotización"_cp), this);
   QStyle* estilo = style();
-  barra->agrega(QStringLiteral("pro"), QStringLiteral("Procesar"), estilo->standardIcon(QStyle::SP_DialogApplyButton));
-  barra->agrega(QStringLiteral("can"), QStringLiteral("Cancelar"), estilo->standardIcon(QStyle::SP_DialogCancelButton));
+  barra->agrega(QStringLiteral("pro"), QStringLiteral("&Procesar"), estilo->standardIcon(QStyle::SP_DialogApplyButton));
+  barra->agrega(QStringLiteral("can"), QStringLiteral("&Cancelar"), estilo->standardIcon(QStyle::SP_DialogCancelButton));
   connect(barra, &BarraLista::pulsado, this, &COTIZACION::pulsaBarraLista);
 
   auto* titulo = new QLabel(q("   Selección de empresas y periodo"_cp), this);
@@ -92,14 +100,16 @@ void COTIZACION::construye() {
   Combo1_ = lista("Combo1", valdor::COTIZACION::meses(), periodo);
   Combo2_ = lista("Combo2", valdor::COTIZACION::anos(), periodo);
   Combo2_->setMaxVisibleItems(15);
-  verificar_ = new QPushButton(QStringLiteral("VERIFICAR EMPRESAS"), periodo);
+  verificar_ = new QPushButton(QStringLiteral("&VERIFICAR EMPRESAS"), periodo);
   verificar_->setObjectName(QStringLiteral("PRESIONBOTON"));
+  // Enter in the filter box must not list the companies again and lose the marks.
+  verificar_->setAutoDefault(false);
   verificar_->setIcon(estilo->standardIcon(QStyle::SP_BrowserReload));
   auto* capaPeriodo = new QHBoxLayout(periodo);
-  capaPeriodo->addWidget(new QLabel(QStringLiteral("Mes:"), periodo));
+  capaPeriodo->addWidget(rotulo(QStringLiteral("&Mes:"), Combo1_, periodo));
   capaPeriodo->addWidget(Combo1_);
   capaPeriodo->addSpacing(16);
-  capaPeriodo->addWidget(new QLabel(q("Año:"_cp), periodo));
+  capaPeriodo->addWidget(rotulo(q("&Año:"_cp), Combo2_, periodo));
   capaPeriodo->addWidget(Combo2_);
   capaPeriodo->addStretch(1);
   capaPeriodo->addWidget(verificar_);
@@ -116,9 +126,9 @@ void COTIZACION::construye() {
   clase_ = lista("Clase", valdor::COTIZACION::clases(), liquidacion);
   calificador_ = lista("Calificador", valdor::COTIZACION::calificadores(), liquidacion);
   auto* capaLiquidacion = new QGridLayout(liquidacion);
-  capaLiquidacion->addWidget(new QLabel(QStringLiteral("Clase:"), liquidacion), 0, 0);
+  capaLiquidacion->addWidget(rotulo(QStringLiteral("Cla&se:"), clase_, liquidacion), 0, 0);
   capaLiquidacion->addWidget(clase_, 0, 1);
-  capaLiquidacion->addWidget(new QLabel(QStringLiteral("Calificador:"), liquidacion), 1, 0);
+  capaLiquidacion->addWidget(rotulo(QStringLiteral("Cal&ificador:"), calificador_, liquidacion), 1, 0);
   capaLiquidacion->addWidget(calificador_, 1, 1);
   capaLiquidacion->setColumnStretch(1, 1);
   connect(clase_, &QComboBox::currentIndexChanged, this, [this](int i) {
@@ -128,11 +138,12 @@ void COTIZACION::construye() {
     if (!mostrando_) sel_.calificadorElegido = i;
   });
 
-  // The company list; the code and the two lines of the employer block stay hidden.
+  // The company list, shown as mark, code, name and workers; the two lines of the
+  // employer block stay hidden.
   grid_ = new QTableWidget(0, COLUMNAS, this);
   grid_->setObjectName(QStringLiteral("grid"));
-  grid_->setHorizontalHeaderLabels(
-      {QStringLiteral("Empresas"), QStringLiteral("Sel"), QString(), QString(), QString(), QStringLiteral("Tr")});
+  grid_->setHorizontalHeaderLabels({QStringLiteral("Empresa"), QStringLiteral("Marcar"), q("Código"_cp), QString(),
+                                    QString(), QStringLiteral("Trabajadores")});
   grid_->verticalHeader()->hide();
   grid_->setSelectionBehavior(QAbstractItemView::SelectRows);
   grid_->setSelectionMode(QAbstractItemView::SingleSelection);
@@ -149,28 +160,47 @@ void COTIZACION::construye() {
   grid_->setColumnWidth(SEL, ANCHOSEL);
   grid_->setColumnWidth(CODIGO, ANCHOCODIGO);
   grid_->setColumnWidth(TR, ANCHOTR);
-  for (int c : {CODIGO, LINEAEMP, LINEARZS}) grid_->setColumnHidden(c, true);
-  grid_->setFixedWidth(ANCHOEMPRESAS + ANCHOSEL + ANCHOTR + grid_->verticalScrollBar()->sizeHint().width() +
-                       2 * grid_->frameWidth());
+  for (int c : {LINEAEMP, LINEARZS}) grid_->setColumnHidden(c, true);
+  cabecera->moveSection(SEL, 0);
+  cabecera->moveSection(CODIGO, 1);
+  grid_->setFixedWidth(ANCHOEMPRESAS + ANCHOSEL + ANCHOCODIGO + ANCHOTR +
+                       grid_->verticalScrollBar()->sizeHint().width() + 2 * grid_->frameWidth());
   grid_->setMinimumHeight(grid_->verticalHeader()->defaultSectionSize() * 8);
   connect(grid_, &QTableWidget::itemChanged, this, [this](QTableWidgetItem* c) {
     if (mostrando_ || c->column() != SEL) return;
     sel_.grid.at(static_cast<std::size_t>(c->row())).marcada = c->checkState() == Qt::Checked;
+    muestraCuenta();
   });
+
+  // The filter above the list and the count under it.
+  filtro_ = new QLineEdit(this);
+  filtro_->setObjectName(QStringLiteral("filtro"));
+  filtro_->setPlaceholderText(q("Código o nombre de la empresa"_cp));
+  filtro_->setClearButtonEnabled(true);
+  connect(filtro_, &QLineEdit::textChanged, this, &COTIZACION::filtra);
+  cuenta_ = new QLabel(this);
+  cuenta_->setObjectName(QStringLiteral("cuenta"));
+  auto* capaFiltro = new QHBoxLayout;
+  capaFiltro->addWidget(rotulo(QStringLiteral("&Filtrar:"), filtro_, this));
+  capaFiltro->addWidget(filtro_, 1);
+  auto* columnaLista = new QVBoxLayout;
+  columnaLista->addLayout(capaFiltro);
+  columnaLista->addWidget(grid_, 1);
+  columnaLista->addWidget(cuenta_);
 
   // The options beside the list.
   auto* opciones = new QWidget(this);
-  marcarTodas_ = new QCheckBox(QStringLiteral("Marcar todas"), opciones);
+  marcarTodas_ = new QCheckBox(QStringLiteral("Marcar &todas"), opciones);
   marcarTodas_->setObjectName(QStringLiteral("MarcarTodas"));
-  devEnCta_ = new QCheckBox(QStringLiteral("Dev. en Cta."), opciones);
+  devEnCta_ = new QCheckBox(QStringLiteral("&Dev. en Cta."), opciones);
   devEnCta_->setObjectName(QStringLiteral("DevEnCta"));
-  alfabetica_ = new QCheckBox(q("Alfabética"_cp), opciones);
+  alfabetica_ = new QCheckBox(q("Alfa&bética"_cp), opciones);
   alfabetica_->setObjectName(QStringLiteral("Alfabetica"));
   auto* tipo = new QGroupBox(QStringLiteral("Tipo de proceso"), opciones);
-  auto* normal = new QRadioButton(QStringLiteral("Proceso normal"), tipo);
+  auto* normal = new QRadioButton(QStringLiteral("Proceso &normal"), tipo);
   normal->setObjectName(QStringLiteral("ProcesoNormal"));
   normal->setChecked(true);
-  auto* diferencias = new QRadioButton(q("Liquidación diferencias"_cp), tipo);
+  auto* diferencias = new QRadioButton(q("Liquidación dif&erencias"_cp), tipo);
   diferencias->setObjectName(QStringLiteral("LiquidacionDiferencias"));
   auto* capaTipo = new QVBoxLayout(tipo);
   capaTipo->addWidget(normal);
@@ -199,10 +229,21 @@ void COTIZACION::construye() {
   progreso_->setObjectName(QStringLiteral("progreso"));
   progreso_->setRange(0, 100);
   progreso_->hide();
+  cancelarTrabajo_ = new QPushButton(QStringLiteral("Cance&lar"), this);
+  cancelarTrabajo_->setObjectName(QStringLiteral("cancelarTrabajo"));
+  cancelarTrabajo_->setAutoDefault(false);
+  cancelarTrabajo_->hide();
+  connect(cancelarTrabajo_, &QPushButton::clicked, this, [this] {
+    programa_.pideParada();
+    cancelarTrabajo_->setEnabled(false);
+  });
+  auto* capaProgreso = new QHBoxLayout;
+  capaProgreso->addWidget(progreso_, 1);
+  capaProgreso->addWidget(cancelarTrabajo_);
 
   auto* empresas = new QHBoxLayout;
   empresas->setSpacing(14);
-  empresas->addWidget(grid_);
+  empresas->addLayout(columnaLista);
   empresas->addWidget(opciones, 1);
 
   auto* cuerpo = new QVBoxLayout;
@@ -211,9 +252,13 @@ void COTIZACION::construye() {
   cuerpo->addWidget(periodo);
   cuerpo->addWidget(liquidacion);
   cuerpo->addLayout(empresas, 1);
-  cuerpo->addWidget(progreso_);
+  cuerpo->addLayout(capaProgreso);
 
   colocaForma(this, barra, titulo, cuerpo);
+  // The order of the keyboard: the period, the liquidation, the filter, the list, the options.
+  QWidget* const orden[] = {Combo1_, Combo2_,      verificar_, clase_,      calificador_, filtro_,
+                            grid_,   marcarTodas_, devEnCta_,  alfabetica_, normal,       diferencias};
+  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
 }
 
 // The controls from the selection: the chosen items and what is enabled.
@@ -251,6 +296,7 @@ void COTIZACION::muestraRejilla() {
   }
   mostrando_ = false;
   muestraMarcas();
+  filtra();
 }
 
 void COTIZACION::muestraMarcas() {
@@ -259,6 +305,15 @@ void COTIZACION::muestraMarcas() {
     grid_->item(f, SEL)->setCheckState(sel_.grid.at(static_cast<std::size_t>(f)).marcada ? Qt::Checked
                                                                                          : Qt::Unchecked);
   mostrando_ = false;
+  muestraCuenta();
+}
+
+void COTIZACION::muestraCuenta() { cuenta_->setText(q(textoCuentaEmpresas(sel_))); }
+
+void COTIZACION::filtra() {
+  const std::string filtro = aCp1252(filtro_->text());
+  for (int f = 0; f < grid_->rowCount(); ++f)
+    grid_->setRowHidden(f, !pasaFiltro(sel_.grid.at(static_cast<std::size_t>(f)), filtro));
 }
 
 void COTIZACION::verificaEmpresas() {
@@ -294,15 +349,17 @@ void COTIZACION::procesa() {
   // since the boxes the run may show belong to it.
   const auto controles = findChildren<QWidget*>(Qt::FindDirectChildrenOnly);
   for (QWidget* w : controles)
-    if (w != progreso_) w->setEnabled(false);
+    if (w != progreso_ && w != cancelarTrabajo_) w->setEnabled(false);
   progreso_->setValue(0);
   progreso_->show();
+  cancelarTrabajo_->show();
 
   Dialogos& dialogos = programa_.dialogos();
   dialogos.puntero(Puntero::Reloj);
   trabajando_ = true;
   std::optional<std::string> fichero;
   try {
+    EntradaDuranteTrabajo entrada(dialogos);
     fichero = comando(programa_, pagina_, sel_, motor_);
   } catch (const std::exception& e) {
     avisaError(dialogos, e);
@@ -316,7 +373,12 @@ void COTIZACION::procesa() {
 }
 
 void COTIZACION::done(int resultado) {
-  if (trabajando_) return;
+  // Escape or the window's close while the file is written stop the run.
+  if (trabajando_) {
+    programa_.pideParada();
+    cancelarTrabajo_->setEnabled(false);
+    return;
+  }
   if (!procesado_) cancelaCOTIZACION(programa_);
   descarga();
   QDialog::done(resultado);

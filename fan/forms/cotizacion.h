@@ -1,8 +1,10 @@
 // COTIZACION, the selection of a contribution exchange, shown modally by the wizard:
 // month and year, "VERIFICAR EMPRESAS" for the companies with a calculated payroll in
-// that month, their marks, class and qualifier, and the list bar with "Procesar", which
+// that month, their marks (with the count of companies and of marked ones, and a filter
+// by code or name), class and qualifier, and the list bar with "Procesar", which
 // writes the FAN file, and "Cancelar". The form shows the core's selection and calls
-// its operations; closing it in any way other than by "Procesar" is a cancel.
+// its operations; closing it in any way other than by "Procesar" is a cancel. While the
+// file is written, the "Cancelar" beside the progress (or Escape) stops the run.
 #pragma once
 
 #include <QDialog>
@@ -13,6 +15,8 @@
 
 class QCheckBox;
 class QComboBox;
+class QLabel;
+class QLineEdit;
 class QProgressBar;
 class QPushButton;
 class QTableWidget;
@@ -46,6 +50,8 @@ class COTIZACION : public QDialog {
   void muestraSeleccion();
   void muestraRejilla();
   void muestraMarcas();
+  void muestraCuenta();
+  void filtra();
   void verificaEmpresas();
   void pulsaBarraLista(const QString& clave);
   void procesa();
@@ -66,6 +72,9 @@ class COTIZACION : public QDialog {
   QTableWidget* grid_ = nullptr;
   QCheckBox *marcarTodas_ = nullptr, *devEnCta_ = nullptr, *alfabetica_ = nullptr;
   QProgressBar* progreso_ = nullptr;
+  QPushButton* cancelarTrabajo_ = nullptr;
+  QLineEdit* filtro_ = nullptr;
+  QLabel* cuenta_ = nullptr;
 };
 
 }  // namespace valdor::formularios

@@ -90,8 +90,8 @@ void DialogosQt::progreso(int porcentaje, std::string_view etiqueta1, std::strin
   ultimoProgreso_.start();
   emit progresoCambiado(porcentaje, aQString(etiqueta1), aQString(etiqueta2));
   // The run holds the only thread: let the screen paint what it was just told, without
-  // taking the user's clicks in the middle of the run.
-  QCoreApplication::processEvents(QEventLoop::ExcludeUserInputEvents);
+  // taking the user's clicks in the middle of the run, save those for its "Cancelar".
+  QCoreApplication::processEvents(entradaAceptada_ > 0 ? QEventLoop::AllEvents : QEventLoop::ExcludeUserInputEvents);
 }
 
 void DialogosQt::puntero(Puntero p) {
@@ -119,6 +119,11 @@ void DialogosQt::aplicaPuntero() {
     QApplication::setOverrideCursor(cursor);
     punteroPuesto_ = true;
   }
+}
+
+DialogosQt* dialogosQt(Dialogos& dialogos) {
+  if (auto* contados = dynamic_cast<DialogosContados*>(&dialogos)) return dialogosQt(contados->dentro());
+  return dynamic_cast<DialogosQt*>(&dialogos);
 }
 
 void avisaError(Dialogos& dialogos, const std::exception& error) {

@@ -29,6 +29,11 @@ class DialogosQt : public QObject, public Dialogos {
   void progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) override;
   void puntero(Puntero p) override;
 
+  // While a modal window offers "Cancelar" during a run, the progress takes the user's
+  // clicks and keys at each drawing: only that window can be reached. Counted, since a
+  // run's window may open inside another's.
+  void aceptaEntrada(bool acepta) { entradaAceptada_ += acepta ? 1 : -1; }
+
  signals:
   void progresoCambiado(int porcentaje, const QString& etiqueta1, const QString& etiqueta2);
 
@@ -47,6 +52,28 @@ class DialogosQt : public QObject, public Dialogos {
   bool punteroEnCola_ = false;
   // The progress is drawn a few times a second at most: a run tells it for every worker.
   QElapsedTimer ultimoProgreso_;
+  int entradaAceptada_ = 0;
+};
+
+// The desktop's dialogs behind `dialogos` (a program's dialogs are counted around
+// them), or nullptr when the screen does not answer them.
+DialogosQt* dialogosQt(Dialogos& dialogos);
+
+// While it lives, the progress of `dialogos` (when they are the desktop's) takes the
+// user's input: the window that shows the run offers "Cancelar".
+class EntradaDuranteTrabajo {
+ public:
+  explicit EntradaDuranteTrabajo(Dialogos& dialogos) : qt_(dialogosQt(dialogos)) {
+    if (qt_) qt_->aceptaEntrada(true);
+  }
+  ~EntradaDuranteTrabajo() {
+    if (qt_) qt_->aceptaEntrada(false);
+  }
+  EntradaDuranteTrabajo(const EntradaDuranteTrabajo&) = delete;
+  EntradaDuranteTrabajo& operator=(const EntradaDuranteTrabajo&) = delete;
+
+ private:
+  DialogosQt* qt_;
 };
 
 // A failure that reached a form: the Spanish message of the core's own errors, or the

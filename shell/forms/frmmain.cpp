@@ -18,6 +18,7 @@
 #include <exception>
 
 #include "engine/forms/boletin_tc1.h"
+#include "shell/forms/ayuda.h"
 #include "shell/forms/barralista.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/pxvaldor32.h"
@@ -35,7 +36,7 @@ frmMain::frmMain(Programa& programa, Lanzador& lanzador, EntornoWine entorno, Fa
       entorno_(std::move(entorno)),
       fabrica_(fabrica ? std::move(fabrica) : fabricaFormulariosQt()) {
   setObjectName(QStringLiteral("frmMain"));
-  setWindowTitle(QStringLiteral("QUILVANE Valdor +"));
+  setWindowTitle(QStringLiteral("VALDOR+"));
   construye();
 }
 
@@ -48,16 +49,41 @@ void frmMain::construye() {
   const QIcon iconoBoletin = estilo->standardIcon(QStyle::SP_FileDialogListView);
   const QIcon iconoSalir = estilo->standardIcon(QStyle::SP_BrowserStop);
 
-  // The menu.
+  // The menus hold every command of the window, each with its own Alt letter; the
+  // list bar's commands also answer to Ctrl and their place in the bar.
   QMenu* mnuFile = menuBar()->addMenu(QStringLiteral("&Archivo"));
   mnuFile->setObjectName(QStringLiteral("mnuFile"));
-  QAction* mnuFileBoletin = mnuFile->addAction(iconoBoletin, q("&Boletín de cotización..."_cp));
-  mnuFileBoletin->setObjectName(QStringLiteral("mnuFileBoletin"));
-  connect(mnuFileBoletin, &QAction::triggered, this, [this] { pulsaBarraLista(QStringLiteral("BOLETIN")); });
-  mnuFile->addSeparator();
-  QAction* mnuFileExit = mnuFile->addAction(iconoSalir, QStringLiteral("&Salir"));
-  mnuFileExit->setObjectName(QStringLiteral("mnuFileExit"));
-  connect(mnuFileExit, &QAction::triggered, this, [this] { pulsaBarraLista(QStringLiteral("salir")); });
+  QMenu* mnuIntercambios = menuBar()->addMenu(QStringLiteral("&Intercambios"));
+  mnuIntercambios->setObjectName(QStringLiteral("mnuIntercambios"));
+  QMenu* mnuAyuda = menuBar()->addMenu(QStringLiteral("Ay&uda"));
+  mnuAyuda->setObjectName(QStringLiteral("mnuAyuda"));
+  const std::tuple<QMenu*, const char*, std::string_view, QKeySequence, QIcon, const char*> ordenes[] = {
+      {mnuIntercambios, "cotiza", "&Cotización (FAN)..."_cp, QKeySequence(Qt::CTRL | Qt::Key_1), iconoCotiza,
+       "mnuCotiza"},
+      {mnuIntercambios, "afilia", "&Afiliación (AFI)..."_cp, QKeySequence(Qt::CTRL | Qt::Key_2), iconoAfilia,
+       "mnuAfilia"},
+      {mnuIntercambios, "Winsuite", "&Transmitir con Winsuite", QKeySequence(Qt::CTRL | Qt::Key_3), iconoWinsuite,
+       "mnuWinsuite"},
+      {mnuFile, "FICHE", "&Editar ficheros...", QKeySequence(Qt::CTRL | Qt::Key_4), iconoFicheros, "mnuFileFicheros"},
+      {mnuFile, "BOLETIN", "&Boletín de cotización TC1..."_cp, QKeySequence(Qt::CTRL | Qt::Key_5), iconoBoletin,
+       "mnuFileBoletin"},
+      {mnuFile, "salir", "&Salir", QKeySequence(Qt::CTRL | Qt::Key_Q), iconoSalir, "mnuFileExit"}};
+  for (const auto& [menu, clave, texto, atajo, icono, nombre] : ordenes) {
+    if (menu == mnuFile && QLatin1String(clave) == QLatin1String("salir")) menu->addSeparator();
+    QAction* orden = menu->addAction(icono, q(texto));
+    orden->setObjectName(QString::fromLatin1(nombre));
+    orden->setShortcut(atajo);
+    connect(orden, &QAction::triggered, this, [this, c = QString::fromLatin1(clave)] { pulsaBarraLista(c); });
+    atajos_.insert(QString::fromLatin1(clave), atajo);
+    ordenes_.push_back(orden);
+  }
+  QAction* guia = mnuAyuda->addAction(q("&Guía del trabajo del mes"_cp));
+  guia->setObjectName(QStringLiteral("mnuAyudaGuia"));
+  guia->setShortcut(QKeySequence::HelpContents);
+  connect(guia, &QAction::triggered, this, [this] { muestraGuia(this); });
+  QAction* acercaDe = mnuAyuda->addAction(QStringLiteral("&Acerca de VALDOR+..."));
+  acercaDe->setObjectName(QStringLiteral("mnuAyudaAcercaDe"));
+  connect(acercaDe, &QAction::triggered, this, [this] { muestraAcercaDe(this); });
 
   // The top bar, read by the key of its tools.
   barrasup_ = addToolBar(QStringLiteral("barrasup"));
@@ -95,10 +121,16 @@ void frmMain::construye() {
       {"cotiza", "Cotización"_cp, iconoCotiza},
       {"afilia", "Afiliación"_cp, iconoAfilia},
       {"Winsuite", "Winsuite", iconoWinsuite},
-      {"FICHE", "Editar Ficheros", iconoFicheros},
+      {"FICHE", "Editar ficheros", iconoFicheros},
       {"BOLETIN", "Boletín TC1"_cp, iconoBoletin},
       {"salir", "Salir", iconoSalir}};
-  for (const auto& [clave, texto, icono] : elementos) SSListBar1_->agrega(QString::fromLatin1(clave), q(texto), icono);
+  for (const auto& [clave, texto, icono] : elementos) {
+    QToolButton* elemento = SSListBar1_->agrega(QString::fromLatin1(clave), q(texto), icono);
+    // The bar's items share the menus' keys, shown on the item.
+    elemento->setToolTip(q(texto) + QStringLiteral(" (") +
+                         atajos_.value(QString::fromLatin1(clave)).toString(QKeySequence::NativeText) +
+                         QLatin1Char(')'));
+  }
   connect(SSListBar1_, &BarraLista::pulsado, this, &frmMain::pulsaBarraLista);
   auto* muelle = new QDockWidget(this);
   muelle->setObjectName(QStringLiteral("muelleSSListBar1"));
@@ -178,6 +210,8 @@ void frmMain::bloqueaOrdenes(bool bloqueadas) {
   for (QWidget* w : {static_cast<QWidget*>(SSListBar1_), static_cast<QWidget*>(barrasup_),
                      static_cast<QWidget*>(menuBar())})
     w->setEnabled(!bloqueadas);
+  // The menus' keys work without the menu bar: the commands themselves wait.
+  for (QAction* orden : ordenes_) orden->setEnabled(!bloqueadas);
   if (marcoAsistente_) marcoAsistente_->setEnabled(!bloqueadas);
 }
 

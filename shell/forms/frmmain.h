@@ -5,6 +5,9 @@
 // the tool.
 #pragma once
 
+#include <QHash>
+#include <QKeySequence>
+#include <QList>
 #include <QMainWindow>
 #include <QPointer>
 
@@ -80,6 +83,9 @@ class frmMain : public QMainWindow {
   QPointer<QMdiSubWindow> marcoAsistente_;
   QPointer<TC1VAL> boletin_;
   QPointer<QMdiSubWindow> marcoBoletin_;
+  // The commands of the menus that the list bar also has, and their keys by item.
+  QList<QAction*> ordenes_;
+  QHash<QString, QKeySequence> atajos_;
 };
 
 }  // namespace valdor::formularios

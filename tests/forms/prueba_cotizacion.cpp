@@ -1,5 +1,6 @@
 // The company selection COTIZACION on the sample office, and the whole road of a
 // contribution exchange from the main window.
+#include "engine/forms/cotval.h"
 #include "fan/forms/cotizacion.h"
 #include "shell/forms/pxvaldor32.h"
 #include "stores/literales.h"
@@ -46,6 +47,22 @@ struct Seleccion {
   std::unique_ptr<Formulario> f;
 };
 
+// The recorder of messages with a user who clicks the button `boton` of the window on
+// screen at the second progress whose first label begins with `cuando`, as the progress
+// lets the clicks in between two drawings.
+struct DialogosQueCancelan : DialogosGrabador {
+  DialogosQueCancelan(std::string_view cuando, const char* boton) : cuando(cuando), boton(boton) {}
+  void progreso(int porcentaje, std::string_view e1, std::string_view e2) override {
+    DialogosGrabador::progreso(porcentaje, e1, e2);
+    if (!e1.starts_with(cuando) || ++vistos != 2) return;
+    if (QWidget* modal = QApplication::activeModalWidget())
+      if (auto* b = modal->findChild<QPushButton*>(QString::fromLatin1(boton))) b->click();
+  }
+  std::string_view cuando;
+  const char* boton;
+  int vistos = 0;
+};
+
 }  // namespace
 
 class PruebaCotizacion : public QObject {
@@ -61,6 +78,7 @@ class PruebaCotizacion : public QObject {
     QVERIFY(!s.control<QCheckBox>("MarcarTodas")->isEnabled() && !s.control<QCheckBox>("DevEnCta")->isEnabled());
 
     s.verifica();
+    QCOMPARE(s.control<QLabel>("cuenta")->text(), QStringLiteral("4 empresas, 0 marcadas"));
     // Talleres Úbeda has only a row marked "N"; Peñalara counts 5 of its 6 rows.
     const std::pair<std::string_view, QString> esperadas[] = {{"Asociación Cultural Río Ebro"_cp, "3"},
                                                               {"Café Nórdico Lars Hansen"_cp, "3"},
@@ -80,6 +98,11 @@ class PruebaCotizacion : public QObject {
     todas->click();
     s.grid()->item(2, Formulario::SEL)->setCheckState(Qt::Checked);
     QCOMPARE(s.marcas(), (std::vector<bool>{false, false, true, false}));
+    QCOMPARE(s.control<QLabel>("cuenta")->text(), QStringLiteral("4 empresas, 1 marcada"));
+    QTest::keyClicks(s.control<QLineEdit>("filtro"), QStringLiteral("ALARA"));
+    for (int r = 0; r < 4; ++r) QCOMPARE(s.grid()->isRowHidden(r), r != 2);
+    s.control<QLineEdit>("filtro")->clear();
+    QVERIFY(!s.grid()->isRowHidden(0));
     for (int r = 0; r < 4; ++r) QCOMPARE(s.f->seleccion().grid[static_cast<std::size_t>(r)].marcada, r == 2);
     s.control<QCheckBox>("DevEnCta")->click();
     QVERIFY(s.f->seleccion().devEnCta);
@@ -94,6 +117,42 @@ class PruebaCotizacion : public QObject {
     septiembre.control("Combo1")->setCurrentIndex(8);
     septiembre.verifica();
     QCOMPARE(septiembre.grid()->rowCount(), 0);
+  }
+
+  // "Cancelar" in the statement run's window, then in the form while the file is written:
+  // the run stops, no file (nor a temporary one) is left, and the user is told.
+  void cancelarDuranteElProcesoNoDejaFichero() {
+    const std::pair<std::string_view, const char*> momentos[] = {{"Calculando", "Cancelar"},
+                                                                 {"Generando fichero", "cancelarTrabajo"}};
+    for (const auto& [cuando, boton] : momentos) {
+      Oficina o;
+      DialogosQueCancelan dialogos(cuando, boton);
+      Programa programa{o.carpetas, dialogos, {}, MOMENTO};
+      programa.entornoWine = o.entorno;
+      programa.arranca();
+      PaginaIntercambio pagina;
+      pagina.marcaCotizacion();
+      pagina.Label10 = "FAN";
+      pagina.Label12 = "20261115";
+      pagina.Label13 = "0730";
+      pagina.Text8 = "CANCELAR";
+      programa.g.LINEAETI = LINEAETI(pagina, programa.registro);
+      formularios::MotorEscritorio motor(nullptr);
+      Formulario f(programa, pagina, motor);
+      f.show();
+      f.findChild<QPushButton*>(QStringLiteral("PRESIONBOTON"))->click();
+      f.findChild<QCheckBox*>(QStringLiteral("MarcarTodas"))->click();
+      elemento(&f, QStringLiteral("pro"))->click();
+
+      QVERIFY(!f.isVisible());
+      QCOMPARE(dialogos.vistos, 2);
+      QCOMPARE(dialogos.mensajes.size(), std::size_t{1});
+      QCOMPARE(dialogos.mensajes[0].icono, Icono::Informacion);
+      QCOMPARE(dialogos.mensajes[0].texto, std::string("Proceso cancelado por el usuario. El fichero no se ha generado."));
+      const auto carpeta = o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/FAN";
+      QVERIFY(!std::filesystem::exists(carpeta) || std::filesystem::is_empty(carpeta));
+      QCOMPARE(programa.g.CANCELADO, 1.0);
+    }
   }
 
   void elCaminoEnteroDesdeLaVentanaPrincipal() {

@@ -88,6 +88,44 @@ class PruebaPrincipal : public QObject {
     QVERIFY(e.o.dialogos.mensajes.empty());
   }
 
+  // Every item of the list bar is a menu entry with the key its tip names; in the menu
+  // bar and in each menu no two entries share an Alt letter.
+  void losMenusLlevanCadaOrdenConSuLetraYSuTecla() {
+    Escritorio e;
+    auto letrasUnicas = [](const QList<QAction*>& acciones) {
+      QSet<QChar> vistas;
+      for (QAction* a : acciones) {
+        if (a->isSeparator()) continue;
+        const qsizetype i = a->text().indexOf(QLatin1Char('&'));
+        if (i < 0 || vistas.contains(a->text().at(i + 1).toLower())) return false;
+        vistas.insert(a->text().at(i + 1).toLower());
+      }
+      return true;
+    };
+    QVERIFY(letrasUnicas(e.v.menuBar()->actions()));
+    QSet<QString> teclas;
+    for (QAction* menu : e.v.menuBar()->actions()) {
+      QVERIFY(letrasUnicas(menu->menu()->actions()));
+      for (QAction* a : menu->menu()->actions())
+        if (!a->shortcut().isEmpty()) teclas.insert(a->shortcut().toString(QKeySequence::NativeText));
+    }
+    int elementos = 0;
+    for (QToolButton* b : e.v.findChildren<QToolButton*>()) {
+      if (!b->property("clave").isValid()) continue;
+      ++elementos;
+      const QString tip = b->toolTip();
+      const qsizetype desde = tip.lastIndexOf(QLatin1Char('(')) + 1;
+      QVERIFY2(teclas.contains(tip.mid(desde, tip.size() - desde - 1)), qPrintable(tip));
+    }
+    QCOMPARE(elementos, 6);
+
+    // Ctrl+1 as the keyboard gives it: the wizard's contribution page.
+    e.v.activateWindow();
+    QVERIFY(QTest::qWaitForWindowActive(&e.v));
+    QTest::keyClick(&e.v, Qt::Key_1, Qt::ControlModifier);
+    compruebaPagina(e.v.asistente(), true);
+  }
+
   void salirCierraLaVentanaYBorraElTemporal() {
     const std::function<void(frmMain&)> salidas[] = {
         [](frmMain& v) { elemento(&v, QStringLiteral("salir"))->click(); },
