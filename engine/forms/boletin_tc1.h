@@ -93,7 +93,7 @@ class TC1VAL : public QWidget {
   // calculated is the one on screen at the end.
   void empresaCalculada(const valdor::COTVAL& calculo);
   void dibujaPendiente();
-  static constexpr qint64 INTERVALO = 100;
+  static constexpr qint64 INTERVALO = 250;
 
   int mesElegido() const;
   int anoElegido() const;

@@ -24,6 +24,12 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
   etiqueta1_->setObjectName(QStringLiteral("Label1"));
   etiqueta2_ = new QLabel(this);
   etiqueta2_->setObjectName(QStringLiteral("Label2"));
+  // The progress texts change a few times a second: their height is fixed and their
+  // width is the window's, so a new text never lays the statement out again.
+  for (QLabel* etiqueta : {etiqueta1_, etiqueta2_}) {
+    etiqueta->setSizePolicy(QSizePolicy::Ignored, QSizePolicy::Fixed);
+    etiqueta->setFixedHeight(etiqueta->fontMetrics().height());
+  }
   progreso_ = new QProgressBar(this);
   progreso_->setObjectName(QStringLiteral("ProgressBar1"));
   progreso_->setRange(0, 100);
@@ -44,13 +50,10 @@ COTVAL::COTVAL(Programa& programa, valdor::COTIZACION& seleccion, QWidget* padre
   if (auto* dialogos = dialogosQt(programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, this,
             [this](int porcentaje, const QString& e1, const QString& e2) {
+              // Drawn when the dialogs let the screen paint, right after this.
               etiqueta1_->setText(e1);
               etiqueta2_->setText(e2);
               progreso_->setValue(porcentaje);
-              // Only the progress is drawn for every worker; the statement has its own pace.
-              etiqueta1_->repaint();
-              etiqueta2_->repaint();
-              progreso_->repaint();
             });
   // The run starts when the window is on screen, and the window goes when it ends.
   QTimer::singleShot(0, this, [this] { ejecuta(); });

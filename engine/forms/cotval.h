@@ -36,7 +36,7 @@ class COTVAL : public QDialog {
   // INTERVALO milliseconds, and the one not drawn is kept so that the last worker's
   // statement is the one on screen at the end.
   void trabajadorCalculado(const valdor::COTVAL& calculo);
-  static constexpr qint64 INTERVALO = 100;
+  static constexpr qint64 INTERVALO = 250;
 
   Programa& programa_;
   valdor::COTIZACION& seleccion_;

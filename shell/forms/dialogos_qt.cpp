@@ -83,9 +83,9 @@ std::optional<std::string> DialogosQt::entrada(std::string_view titulo, std::str
 }
 
 void DialogosQt::progreso(int porcentaje, std::string_view etiqueta1, std::string_view etiqueta2) {
-  // A tenth of a second between two drawings at least; the start and the end of a run
+  // A quarter of a second between two drawings at least; the start and the end of a run
   // are always drawn.
-  constexpr qint64 INTERVALO = 100;
+  constexpr qint64 INTERVALO = 250;
   if (ultimoProgreso_.isValid() && ultimoProgreso_.elapsed() < INTERVALO && porcentaje > 0 && porcentaje < 100) return;
   ultimoProgreso_.start();
   emit progresoCambiado(porcentaje, aQString(etiqueta1), aQString(etiqueta2));
