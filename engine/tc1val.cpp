@@ -12,7 +12,7 @@
 namespace valdor {
 
 std::string textoCalculandoTC1(std::string_view nombreEmpresa) {
-  return std::string("Dortek está calculando el modelo TC1 para la empresa "_cp) + std::string(nombreEmpresa);
+  return std::string("VALDOR+ está calculando el modelo TC1 de la empresa "_cp).append(nombreEmpresa);
 }
 
 std::string textoFinTC1(std::size_t empresas) {

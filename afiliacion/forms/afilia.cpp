@@ -177,7 +177,7 @@ void AFILIA::construye() {
   colocaForma(this, nullptr, cabecera, cuerpo);
 
   // The run's progress reaches the bar as the rules tell it, when the desktop answers them.
-  if (auto* dialogos = dynamic_cast<DialogosQt*>(&programa_.dialogos()))
+  if (auto* dialogos = dialogosQt(programa_.dialogos()))
     connect(dialogos, &DialogosQt::progresoCambiado, ProgressBar1_, [this](int porcentaje) {
       ProgressBar1_->setValue(porcentaje);
       ProgressBar1_->repaint();

@@ -221,6 +221,13 @@ void TC1VAL::construye() {
   Panel3D3_->setTextFormat(Qt::PlainText);
   Panel3D3_->hide();
 
+  // Which run made the figures on screen, and why the other run can give others.
+  Origen_ = new QLabel(contenido);
+  Origen_->setObjectName(QStringLiteral("Origen"));
+  Origen_->setTextFormat(Qt::PlainText);
+  Origen_->setWordWrap(true);
+  Origen_->hide();
+
   // The statement of the company last calculated; the worker's sheet shows on demand.
   vista_ = new VistaBoletin(contenido);
   vista_->usaDecimal(programa_.separadores().decimal);
@@ -249,6 +256,7 @@ void TC1VAL::construye() {
   cuerpo->addLayout(elecciones);
   cuerpo->addLayout(ordenes);
   cuerpo->addWidget(Panel3D3_);
+  cuerpo->addWidget(Origen_);
   cuerpo->addWidget(vista_);
   cuerpo->addWidget(tituloLista);
   cuerpo->addWidget(ListaTC1_, 1);
@@ -335,6 +343,10 @@ void TC1VAL::calcula() {
     avisaError(dialogos, error);
   }
   dibujaPendiente();
+  if (hayBoletin_) {
+    Origen_->setText(q(textoOrigenTC1(todas)));
+    Origen_->show();
+  }
   dialogos.puntero(Puntero::Normal);
   enMarcha_ = false;
   Panel3D3_->hide();

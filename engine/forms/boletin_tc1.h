@@ -8,7 +8,8 @@
 // "Option1" with "Option1_0".."Option1_2", the companies group "Option3D1" with
 // "Option3D1_0" ("&Todas.") and "Option3D1_1" ("&Una empresa."), "ComboEmpresa",
 // the buttons "Calcular", "Command3D8" ("Cancelar"), "TC2", "Imprimir" and "Salir", the
-// check box "Check4" ("Enviado por R.E.D."), the progress panel "Panel3D3", the view
+// check box "Check4" ("Enviado por R.E.D."), the progress panel "Panel3D3", the note
+// "Origen" of which run made the figures shown, the view
 // "VistaBoletin" and the line list "ListaTC1".
 //
 // "Imprimir" prints the statement on screen on the pre-printed form, to the port of the
@@ -123,6 +124,7 @@ class TC1VAL : public QWidget {
   QPushButton *vistaPrevia_ = nullptr, *impresora_ = nullptr, *pdf_ = nullptr;
   QCheckBox *Check4_ = nullptr, *conImpreso_ = nullptr;
   QLabel* Panel3D3_ = nullptr;
+  QLabel* Origen_ = nullptr;
   VistaBoletin* vista_ = nullptr;
   QListWidget* ListaTC1_ = nullptr;
 };

@@ -170,6 +170,7 @@ class PruebaBoletinTC1 : public QObject {
     QCOMPARE(caja(s.f.get(), 1), q("Panadería Ángel Muñoz Ortega"_cp));
     compruebaLineasDelBoletin(s.f.get());
     QCOMPARE(mandos(s.f.get()), LIBRE);
+    QCOMPARE(s.c<QLabel>("Origen")->text(), q("Cifras del cálculo de esta empresa sola, con todos sus pasos."_cp));
 
     // "Imprimir" sends the statement on screen to the port, here a file of the work
     // folder: its first line is the sole trader's name after the form's 32 blanks, in the
@@ -197,7 +198,7 @@ class PruebaBoletinTC1 : public QObject {
     QVERIFY(durante.hecho);
     QCOMPARE(enMarcha, CALCULANDO);
     QVERIFY(!seCierra);
-    QCOMPARE(progreso, q("Dortek está calculando el modelo TC1 para la empresa Café Nórdico Lars Hansen"_cp));
+    QCOMPARE(progreso, q("VALDOR+ está calculando el modelo TC1 de la empresa Café Nórdico Lars Hansen"_cp));
     QCOMPARE(s.o.dialogos.mensajes.size(), std::size_t{1});
     QCOMPARE(s.o.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
     QCOMPARE(s.o.dialogos.mensajes[0].texto,
@@ -206,6 +207,9 @@ class PruebaBoletinTC1 : public QObject {
     QCOMPARE(s.o.dialogos.mensajes[0].icono, Icono::Informacion);
     QCOMPARE(caja(s.f.get(), 1), q("Asociación Cultural Río Ebro"_cp));
     compruebaLineasDelBoletin(s.f.get());
+    // The figures say which run made them, and what it leaves out.
+    QVERIFY(s.c<QLabel>("Origen")->text().startsWith(q("Cifras del cálculo de todas las empresas, que no lleva las "
+                                                        "columnas de maternidad"_cp)));
     QVERIFY(s.f->isVisible());
     QCOMPARE(mandos(s.f.get()), LIBRE);
 
