@@ -341,7 +341,15 @@ void lanzaWinsuite(Programa& programa, Lanzador& lanzador, const EntornoWine& en
   FicheroAjustes fichero(programa.carpetas().trabajo);
   fichero.lee(programa.registro);
   programa.g.LANZADOR = programa.registro.RUTAWINSUITE;
-  if (!recorta(programa.g.LANZADOR).empty()) arrancaHerramienta(programa, programa.g.LANZADOR, lanzador, entorno);
+  if (recorta(programa.g.LANZADOR).empty()) {
+    // Nothing to start: said, so that the user knows where to set it.
+    programa.dialogos().mensaje(tituloValdor(),
+                                "No se ha arrancado WINSUITE: la ruta de WINSUITE.EXE de la configuración general está "
+                                "en blanco. Indíquela con la lupa de la configuración."_cp,
+                                Icono::Critico);
+    return;
+  }
+  arrancaHerramienta(programa, programa.g.LANZADOR, lanzador, entorno);
 }
 
 void arrancaHerramienta(Programa& programa, std::string_view ruta, Lanzador& lanzador, const EntornoWine& entorno) {

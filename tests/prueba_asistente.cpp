@@ -292,14 +292,17 @@ TEST(Asistente, Fan2SinCotizacionTomaElCaminoDeLaAfiliacion) {
   EXPECT_TRUE(o.lanzador.ordenes.empty());
 }
 
-TEST(Asistente, WinsuiteConLaRutaEnBlancoNoHaceNiDiceNada) {
+TEST(Asistente, WinsuiteConLaRutaEnBlancoNoArrancaYLoDice) {
   Oficina o;
   Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
   lanzaWinsuite(p, o.lanzador, o.wine);  // empty settings file
   o.ponRuta("   ");
   lanzaWinsuite(p, o.lanzador, o.wine);
   EXPECT_TRUE(o.lanzador.ordenes.empty());
-  EXPECT_TRUE(o.dialogos.mensajes.empty());
+  ASSERT_EQ(o.dialogos.mensajes.size(), 2u);
+  EXPECT_EQ(o.dialogos.mensajes[1].icono, Icono::Critico);
+  EXPECT_NE(o.dialogos.mensajes[1].texto.find("en blanco"), std::string::npos);
+  o.dialogos.mensajes.clear();
   o.ponRuta("/usr/bin/true");
   lanzaWinsuite(p, o.lanzador, o.wine);
   EXPECT_EQ(o.lanzador.ordenes, (std::vector<std::vector<std::string>>{{"/usr/bin/true"}}));

@@ -68,12 +68,17 @@ class PruebaPrincipal : public QObject {
     compruebaPagina(e.v.asistente(), false);
     QVERIFY(e.o.lanzador.ordenes.empty());
 
-    // "Winsuite" starts the tool only with a route in the settings, and says nothing.
+    // "Winsuite" starts the tool with the route of the settings; without one it starts
+    // nothing and says why.
     e.pulsa("Winsuite");
     QCOMPARE(e.o.lanzador.ordenes.size(), std::size_t{1});
+    const std::size_t antes = e.o.dialogos.mensajes.size();
     escribeBytes(e.o.ajustes(), std::string(LONGITUDREGISTRO, ' '));
     e.pulsa("Winsuite");
     QCOMPARE(e.o.lanzador.ordenes.size(), std::size_t{1});
+    QCOMPARE(e.o.dialogos.mensajes.size(), antes + 1);
+    QCOMPARE(e.o.dialogos.mensajes.back().icono, Icono::Critico);
+    e.o.dialogos.mensajes.clear();
 
     // "Editar Ficheros" hides the wizard while the selector is up, with the busy pointer
     // until the selector is loaded, then the arrow.
