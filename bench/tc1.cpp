@@ -15,7 +15,7 @@
 
 #include "engine/cotval.h"
 #include "engine/motor.h"
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 #include "shell/programa.h"
 #include "statement/estado.h"
 #include "stores/numeros.h"

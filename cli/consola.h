@@ -7,7 +7,7 @@
 #include <string>
 #include <string_view>
 
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 
 namespace valdor::cli {
 

@@ -14,7 +14,7 @@
 #include "shell/programa.h"
 #include "stores/fechas.h"
 #include "stores/literales.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 #include "stores/texto.h"
 
 namespace valdor::cli {

@@ -10,7 +10,7 @@
 #include <string>
 
 #include "shell/ajustes.h"
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 #include "shell/momento.h"
 #include "shell/rutas.h"
 #include "stores/catalogo.h"

@@ -7,7 +7,7 @@
 #include <cerrno>
 
 #include "shell/ajustes.h"
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 #include "statement/hojatc2.h"
 #include "stores/error.h"
 #include "stores/ficheros.h"

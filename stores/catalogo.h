@@ -10,7 +10,7 @@
 #include <string_view>
 #include <vector>
 
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 #include "stores/almacen.h"
 #include "stores/ficheros.h"
 

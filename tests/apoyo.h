@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 
 namespace valdor::pruebas {
 

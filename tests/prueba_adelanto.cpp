@@ -12,7 +12,7 @@
 #include "fan/seleccion.h"
 #include "shell/asistente.h"
 #include "shell/programa.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 #include "tests/apoyo.h"
 #include "tests/trabajo_prueba.h"
 

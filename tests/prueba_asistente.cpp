@@ -6,7 +6,7 @@
 #include "shell/asistente.h"
 #include "shell/programa.h"
 #include "stores/colacion.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
 

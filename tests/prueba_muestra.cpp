@@ -11,7 +11,7 @@
 #include "statement/ficherotipos.h"
 #include "stores/almacen.h"
 #include "stores/ficheros.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 #include "tests/apoyo.h"
 
 namespace valdor {

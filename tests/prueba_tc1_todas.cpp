@@ -21,7 +21,7 @@
 #include "engine/cotval.h"
 #include "engine/motor.h"
 #include "stores/numeros.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 #include "stores/texto.h"
 #include "tests/trabajo_prueba.h"
 

@@ -25,7 +25,7 @@
 #include "shell/asistente.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/programa.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 
 namespace fs = std::filesystem;
 using namespace valdor;

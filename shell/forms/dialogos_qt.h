@@ -11,7 +11,7 @@
 
 #include <exception>
 
-#include "shell/dialogos.h"
+#include "stores/dialogos.h"
 
 namespace valdor::formularios {
 

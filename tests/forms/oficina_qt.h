@@ -15,7 +15,7 @@
 #include "shell/forms/frmmain.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/programa.h"
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 #include "tests/apoyo.h"
 
 namespace valdor::pruebas {

@@ -5,7 +5,7 @@
 // handle (see `oficinaRica`); the generated office is large and plain, for timing.
 // Either way every store is written in one transaction, each table through one prepared
 // INSERT reused for all its rows.
-#include "stores/oficina_muestra.h"
+#include "muestra/oficina_muestra.h"
 
 #include <algorithm>
 #include <array>
