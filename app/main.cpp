@@ -17,7 +17,7 @@
 
 #include "shell/asistente.h"
 #include "shell/forms/dialogos_qt.h"
-#include "shell/forms/frmmain.h"
+#include "app/frmmain.h"
 #include "shell/programa.h"
 #include "stores/texto.h"
 

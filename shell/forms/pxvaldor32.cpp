@@ -64,7 +64,7 @@ PXVALDOR32::PXVALDOR32(Programa& programa, Lanzador& lanzador, EntornoWine entor
     : QWidget(padre), programa_(programa), lanzador_(lanzador), entorno_(std::move(entorno)) {
   setObjectName(QStringLiteral("PXVALDOR32"));
   setWindowTitle(QStringLiteral("Asistente RED"));
-  formularios_ = (fabrica ? fabrica : fabricaFormulariosQt())(programa_, pagina_, this);
+  formularios_ = fabrica(programa_, pagina_, this);
   pagina_.alCambiarGuia = [this](const std::string& texto) {
     // The work that follows holds the screen: the new text is painted now.
     Label3_->setText(q(texto));

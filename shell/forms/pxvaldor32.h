@@ -4,10 +4,10 @@
 #pragma once
 
 #include <QWidget>
+#include <functional>
 #include <memory>
 
 #include "shell/asistente.h"
-#include "shell/forms/formularios.h"
 
 class QButtonGroup;
 class QFrame;
@@ -22,6 +22,11 @@ class Programa;
 }
 
 namespace valdor::formularios {
+
+// How the wizard obtains the forms it opens: the desktop's (made by the main window),
+// or a test's stand-ins.
+using FabricaFormularios =
+    std::function<std::unique_ptr<FormulariosIntercambio>(Programa&, PaginaIntercambio&, QWidget* padre)>;
 
 class PXVALDOR32 : public QWidget {
   Q_OBJECT

@@ -12,7 +12,7 @@
 #include <vector>
 
 #include "shell/asistente.h"
-#include "shell/forms/frmmain.h"
+#include "app/frmmain.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/programa.h"
 #include "muestra/oficina_muestra.h"

@@ -6,7 +6,7 @@
 #include "browser/forms/editor.h"
 #include "browser/forms/selector.h"
 #include "shell/ajustes.h"
-#include "shell/forms/formularios.h"
+#include "app/formularios.h"
 #include "stores/literales.h"
 #include "tests/fan_revisado.h"
 #include "tests/forms/oficina_qt.h"

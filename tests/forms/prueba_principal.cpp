@@ -1,6 +1,6 @@
 // The main window: the commands of its list bar, top bar and menu, as its command
 // table routes them.
-#include "shell/forms/frmmain.h"
+#include "app/frmmain.h"
 #include "shell/forms/pxvaldor32.h"
 #include "stores/literales.h"
 #include "tests/forms/oficina_qt.h"

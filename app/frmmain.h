@@ -12,7 +12,7 @@
 #include <QPointer>
 
 #include "shell/asistente.h"
-#include "shell/forms/formularios.h"
+#include "app/formularios.h"
 
 class QLabel;
 class QMdiArea;

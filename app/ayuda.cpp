@@ -1,4 +1,4 @@
-#include "shell/forms/ayuda.h"
+#include "app/ayuda.h"
 
 #include <QDialog>
 #include <QDialogButtonBox>

@@ -8,6 +8,7 @@
 #include <memory>
 
 #include "shell/asistente.h"
+#include "shell/forms/pxvaldor32.h"
 #include "shell/rutas.h"
 
 namespace valdor {
@@ -40,10 +41,6 @@ class FormulariosQt : public FormulariosIntercambio {
   // The editor's "Imprimir" hands the file to the system's text editor.
   LanzadorDelSistema lanzador_;
 };
-
-// How the wizard obtains its forms: the desktop's, or a test's stand-ins.
-using FabricaFormularios =
-    std::function<std::unique_ptr<FormulariosIntercambio>(Programa&, PaginaIntercambio&, QWidget* padre)>;
 
 FabricaFormularios fabricaFormulariosQt();
 

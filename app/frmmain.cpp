@@ -1,4 +1,4 @@
-#include "shell/forms/frmmain.h"
+#include "app/frmmain.h"
 
 #include "browser/forms/selector.h"
 
@@ -18,7 +18,7 @@
 #include <exception>
 
 #include "engine/forms/boletin_tc1.h"
-#include "shell/forms/ayuda.h"
+#include "app/ayuda.h"
 #include "shell/forms/barralista.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/pxvaldor32.h"

@@ -1,4 +1,4 @@
-#include "shell/forms/formularios.h"
+#include "app/formularios.h"
 
 #include <cstdlib>
 #include <optional>
