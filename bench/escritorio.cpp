@@ -79,9 +79,7 @@ double fan(const Mes& m, valdor::Dialogos& dialogos, valdor::MotorCotizacion& mo
   programa.arranca();
   valdor::PaginaIntercambio pagina;
   pagina.marcaCotizacion();
-  pagina.Label10 = "FAN";
-  pagina.Label12 = "20261115";
-  pagina.Label13 = "0730";
+  valdor::preparaPagina(programa, pagina, true);
   pagina.Text8 = nombre;
   programa.g.LINEAETI = valdor::LINEAETI(pagina, programa.registro);
   valdor::COTIZACION sel;

@@ -66,10 +66,7 @@ int main(int argc, char** argv) {
   programa.arranca();
   PaginaIntercambio pagina;
   pagina.marcaCotizacion();
-  pagina.Label10 = "FAN";
-  pagina.Label12 = "20261115";
-  pagina.Label13 = "0730";
-  pagina.Text8 = "F1511260";
+  preparaPagina(programa, pagina, true);
   programa.g.LINEAETI = LINEAETI(pagina, programa.registro);
 
   formularios::MotorEscritorio motor(nullptr);

@@ -132,9 +132,7 @@ class PruebaCotizacion : public QObject {
       programa.arranca();
       PaginaIntercambio pagina;
       pagina.marcaCotizacion();
-      pagina.Label10 = "FAN";
-      pagina.Label12 = "20261115";
-      pagina.Label13 = "0730";
+      preparaPagina(programa, pagina, true);
       pagina.Text8 = "CANCELAR";
       programa.g.LINEAETI = LINEAETI(pagina, programa.registro);
       formularios::MotorEscritorio motor(nullptr);
