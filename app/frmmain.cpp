@@ -50,12 +50,14 @@ void frmMain::construye() {
   const QIcon iconoSalir = estilo->standardIcon(QStyle::SP_BrowserStop);
 
   // The menus hold every command of the window, each with its own Alt letter; the
-  // list bar's commands also answer to Ctrl and their place in the bar.
+  // list bar's commands also answer to Ctrl and their place in the bar. The menus'
+  // letters are the window's: no child form uses them (the statement's "&Una empresa."
+  // keeps the "Ayuda" menu on its Y).
   QMenu* mnuFile = menuBar()->addMenu(QStringLiteral("&Archivo"));
   mnuFile->setObjectName(QStringLiteral("mnuFile"));
   QMenu* mnuIntercambios = menuBar()->addMenu(QStringLiteral("&Intercambios"));
   mnuIntercambios->setObjectName(QStringLiteral("mnuIntercambios"));
-  QMenu* mnuAyuda = menuBar()->addMenu(QStringLiteral("Ay&uda"));
+  QMenu* mnuAyuda = menuBar()->addMenu(QStringLiteral("A&yuda"));
   mnuAyuda->setObjectName(QStringLiteral("mnuAyuda"));
   const std::tuple<QMenu*, const char*, std::string_view, QKeySequence, QIcon, const char*> ordenes[] = {
       {mnuIntercambios, "cotiza", "&Cotización (FAN)..."_cp, QKeySequence(Qt::CTRL | Qt::Key_1), iconoCotiza,

@@ -34,6 +34,10 @@ class frmMain : public QMainWindow {
   Q_OBJECT
 
  public:
+  // The size the program opens the window at: a 1024x768 screen's, less the window's
+  // own frame. Every child form fits in it without scrolling.
+  static constexpr QSize TAMANOINICIAL{1024, 720};
+
   // The messages of the rules go through the program's Dialogos; `lanzador` starts the
   // tool; `fabrica` gives the wizard its modal forms (the desktop's when empty).
   frmMain(Programa& programa, Lanzador& lanzador, EntornoWine entorno, FabricaFormularios fabrica = {},

@@ -163,7 +163,7 @@ int main(int argc, char** argv) {
   frmMain ventana(programa, lanzador, entornoWineDelSistema());
   dialogos.ponVentana(&ventana);
   QObject::connect(&dialogos, &DialogosQt::progresoCambiado, &ventana, &frmMain::muestraProgreso);
-  ventana.resize(1024, 720);
+  ventana.resize(frmMain::TAMANOINICIAL);
 
   if (llamada.captura) return captura(aplicacion, ventana, *llamada.captura);
   ventana.show();

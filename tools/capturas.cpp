@@ -1,17 +1,24 @@
-// valdor-capturas: the README's pictures of the month's FAN run, drawn by the desktop's
-// own forms over a generated office (600 companies of 25 workers, October 2026):
+// valdor-capturas: the README's pictures, drawn by the desktop's own forms. The month's
+// FAN run, over a generated office (600 companies of 25 workers, October 2026):
 //  - seleccion-empresas.png: the company selection after "VERIFICAR EMPRESAS", with a
 //    filter typed, a few companies marked and the count under the list;
 //  - proceso-largo.png: the statement run's window in the middle of the run, with
 //    "empresa n de N", the company, the worker, the progress and "Cancelar";
 //  - proceso-cancelado.png: the message after that "Cancelar", with no file left.
+// The main window at the size the program gives it (1024x720), over the hand-made
+// sample office of October 2026, for a user whose decimal separator is the comma:
+//  - asistente.png: the wizard prepared for a contribution (FAN);
+//  - boletin-tc1.png: the TC1 statement form after "Calcular" of the bakery alone;
+//  - vista-previa.png: the print preview of that statement on plain paper.
 //
 //   valdor-capturas CARPETA      (run by tools/capturas.sh under xvfb-run)
 #include <QApplication>
 #include <QCheckBox>
+#include <QComboBox>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
+#include <QRadioButton>
 #include <QTableWidget>
 #include <QTemporaryDir>
 #include <QTimer>
@@ -20,6 +27,8 @@
 #include <filesystem>
 #include <iostream>
 
+#include "app/frmmain.h"
+#include "engine/forms/boletin_tc1.h"
 #include "engine/forms/cotval.h"
 #include "fan/forms/cotizacion.h"
 #include "shell/asistente.h"
@@ -38,30 +47,27 @@ bool guarda(QWidget* ventana, const fs::path& fichero) {
   return hecho;
 }
 
+// The programs the window would start (the transmission tool) are not started.
+class SinLanzar : public Lanzador {
+ public:
+  std::optional<std::string> lanza(const std::vector<std::string>&) override { return std::nullopt; }
+};
+
+const Momento MOMENTO{2026, 11, 15, 7, 30, 0};
+
 QToolButton* elemento(QWidget* ventana, const char* clave) {
   for (QToolButton* b : ventana->findChildren<QToolButton*>())
     if (b->property("clave").toString() == QLatin1String(clave)) return b;
   return nullptr;
 }
 
-}  // namespace
-
-int main(int argc, char** argv) {
-  QApplication aplicacion(argc, argv);
-  std::setlocale(LC_NUMERIC, "C");
-  if (argc != 2) {
-    std::cerr << "uso: valdor-capturas CARPETA\n";
-    return 2;
-  }
-  const fs::path salida = fs::absolute(argv[1]);
-  fs::create_directories(salida);
-  QTemporaryDir temporal;
-  const fs::path raiz = temporal.path().toStdString();
+// The month's FAN run over the generated office in `raiz`.
+bool capturasDelFan(const fs::path& raiz, const fs::path& salida) {
   const Carpetas carpetas{raiz / "programa", raiz / "trabajo"};
   escribeOficinaMuestra(carpetas, OpcionesMuestra{10, 2026, 600, 25});
 
   formularios::DialogosQt dialogos;
-  Programa programa(carpetas, dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0});
+  Programa programa(carpetas, dialogos, Separadores{}, MOMENTO);
   programa.entornoWine = {raiz / "wine"};
   programa.arranca();
   PaginaIntercambio pagina;
@@ -105,5 +111,71 @@ int main(int argc, char** argv) {
     std::cerr << "El proceso terminó antes de la captura\n";
     bien = false;
   }
-  return bien ? 0 : 1;
+  programa.termina();
+  return bien;
+}
+
+// The main window over the hand-made office in `raiz`: the wizard, the TC1 form and its
+// print preview.
+bool capturasDeLaVentana(const fs::path& raiz, const fs::path& salida) {
+  const Carpetas carpetas{raiz / "programa", raiz / "trabajo"};
+  escribeOficinaMuestra(carpetas, OpcionesMuestra{10, 2026, 0, 0});
+
+  formularios::DialogosQt dialogos;
+  Programa programa(carpetas, dialogos, Separadores{',', '.'}, MOMENTO);
+  SinLanzar lanzador;
+  formularios::frmMain ventana(programa, lanzador, EntornoWine{raiz / "wine"});
+  dialogos.ponVentana(&ventana);
+  QObject::connect(&dialogos, &formularios::DialogosQt::progresoCambiado, &ventana,
+                   &formularios::frmMain::muestraProgreso);
+  ventana.resize(formularios::frmMain::TAMANOINICIAL);
+  ventana.show();
+  ventana.carga();
+  ventana.pulsaBarraLista(QStringLiteral("cotiza"));
+  QApplication::processEvents();
+  bool bien = guarda(&ventana, salida / "asistente.png");
+
+  // The bakery alone, chosen by its name.
+  ventana.pulsaBarraLista(QStringLiteral("BOLETIN"));
+  formularios::TC1VAL* boletin = ventana.boletin();
+  boletin->findChild<QRadioButton*>(QStringLiteral("Option3D1_1"))->click();
+  auto* empresa = boletin->findChild<QComboBox*>(QStringLiteral("ComboEmpresa"));
+  empresa->setCurrentIndex(empresa->findText(QStringLiteral("Panadería"), Qt::MatchContains));
+  boletin->findChild<QPushButton*>(QStringLiteral("Calcular"))->click();
+  QApplication::processEvents();
+  bien = guarda(&ventana, salida / "boletin-tc1.png") && bien;
+
+  // The preview on plain paper, taken as soon as it shows.
+  boletin->findChild<QCheckBox*>(QStringLiteral("ConImpreso"))->setChecked(true);
+  bool vista = false;
+  QTimer vigia;
+  QObject::connect(&vigia, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (!modal || modal->objectName() != QLatin1String("VistaPreviaBoletin")) return;
+    vista = guarda(modal, salida / "vista-previa.png");
+    modal->close();
+  });
+  vigia.start(500);
+  boletin->findChild<QPushButton*>(QStringLiteral("VistaPrevia"))->click();
+  if (!vista) std::cerr << "No se ha visto la vista previa\n";
+  ventana.close();
+  return bien && vista;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+  QApplication aplicacion(argc, argv);
+  std::setlocale(LC_NUMERIC, "C");
+  if (argc != 2) {
+    std::cerr << "uso: valdor-capturas CARPETA\n";
+    return 2;
+  }
+  const fs::path salida = fs::absolute(argv[1]);
+  fs::create_directories(salida);
+  QTemporaryDir temporal;
+  const fs::path raiz = temporal.path().toStdString();
+  const bool fan = capturasDelFan(raiz / "generada", salida);
+  const bool ventana = capturasDeLaVentana(raiz / "muestra", salida);
+  return fan && ventana ? 0 : 1;
 }

@@ -1,7 +1,9 @@
 #!/usr/bin/env bash
-# Draws the README's pictures of the month's FAN run (the company selection with its
-# count and filter, the long run with its progress and "Cancelar", the message after
-# it) into docs/capturas/, with the desktop's own forms on a virtual X screen.
+# Draws the README's pictures into docs/capturas/, with the desktop's own forms on a
+# virtual X screen: the month's FAN run (the company selection with its count and
+# filter, the long run with its progress and "Cancelar", the message after it), and the
+# main window as the program opens it (the wizard, the TC1 statement form after
+# "Calcular", the statement's print preview).
 #
 #   tools/capturas.sh          (needs xvfb-run; builds valdor-capturas first)
 set -euo pipefail

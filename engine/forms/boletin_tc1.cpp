@@ -7,8 +7,8 @@
 #include <QComboBox>
 #include <QFileDialog>
 #include <QFontDatabase>
-#include <QGroupBox>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
 #include <QListWidget>
 #include <QMdiSubWindow>
@@ -18,8 +18,8 @@
 #include <QPushButton>
 #include <QRadioButton>
 #include <QScrollArea>
-#include <QScrollBar>
 #include <QStyle>
+#include <QTabWidget>
 #include <QVBoxLayout>
 #include <exception>
 
@@ -47,11 +47,8 @@ namespace {
 constexpr int ANOSANTES = 10;
 constexpr int ANOSDESPUES = 1;
 
-// The TC1 lines of the exchange file are 70 characters; the list shows them whole.
-constexpr int ANCHOLINEA = 70;
-constexpr int FILASLISTA = 7;
-// The margin on either side of the form's body.
-constexpr int MARGEN = 9;
+// The margin around the form's body, and twice the room between its rows.
+constexpr int MARGEN = 6;
 
 // The TC1 lines of a company: entries 1 to 18 from its statement, 19 the refund account.
 constexpr std::size_t ULTIMALINEA = 19;
@@ -87,8 +84,7 @@ TC1VAL::TC1VAL(Programa& programa, QWidget* padre) : QWidget(padre), programa_(p
 
 void TC1VAL::construye() {
   QStyle* estilo = style();
-  // Everything scrolls together in a small frame; in a big one the line list takes the
-  // room left under the statement.
+  // The form fits the main frame as the program opens it; only a smaller window scrolls.
   auto* desplaza = new QScrollArea(this);
   desplaza->setObjectName(QStringLiteral("desplaza"));
   desplaza->setWidgetResizable(true);
@@ -99,34 +95,33 @@ void TC1VAL::construye() {
   capaExterior->setContentsMargins(0, 0, 0, 0);
   capaExterior->addWidget(desplaza);
 
-  auto* titulo = new QLabel(QStringLiteral("   ") + windowTitle(), contenido);
-  titulo->setObjectName(QStringLiteral("titulo"));
-  titulo->setStyleSheet(QStringLiteral(
-      "#titulo { color: white; font-size: 13pt; font-weight: bold; padding: 8px;"
-      " background: qlineargradient(x1:0, y1:0, x2:1, y2:0, stop:0 #1f3f6e, stop:1 #5b86bd); }"));
+  // A caption of a row, and a caption that names the control after it (its buddy).
+  auto rotulo = [contenido](const QString& texto) {
+    auto* l = new QLabel(texto, contenido);
+    QFont negrita = l->font();
+    negrita.setBold(true);
+    l->setFont(negrita);
+    return l;
+  };
+  auto nombra = [contenido](const QString& texto, QWidget* control) {
+    auto* l = new QLabel(texto, contenido);
+    l->setBuddy(control);
+    return l;
+  };
 
-  // The period.
-  auto* periodo = new QGroupBox(q("Periodo de liquidación"_cp), contenido);
-  Combo1_ = new QComboBox(periodo);
+  // The period and the surcharge on the first row.
+  Combo1_ = new QComboBox(contenido);
   Combo1_->setObjectName(QStringLiteral("Combo1"));
   for (int m = 1; m <= 12; ++m) Combo1_->addItem(q(NOMBREMES(m)));
-  Combo2_ = new QComboBox(periodo);
+  Combo2_ = new QComboBox(contenido);
   Combo2_->setObjectName(QStringLiteral("Combo2"));
   const int anoActual = programa_.ahora().ano;
   primerAno_ = anoActual - ANOSANTES;
   for (int a = primerAno_; a <= anoActual + ANOSDESPUES; ++a) Combo2_->addItem(QString::number(a));
-  auto* capaPeriodo = new QHBoxLayout(periodo);
-  capaPeriodo->addWidget(new QLabel(QStringLiteral("Mes:"), periodo));
-  capaPeriodo->addWidget(Combo1_);
-  capaPeriodo->addSpacing(12);
-  capaPeriodo->addWidget(new QLabel(q("Año:"_cp), periodo));
-  capaPeriodo->addWidget(Combo2_);
-
-  // The surcharge.
-  auto* recargo = new QGroupBox(QStringLiteral("Recargo"), contenido);
+  auto* recargo = new QWidget(contenido);
   recargo->setObjectName(QStringLiteral("Option1"));
-  auto* capaRecargo = new QVBoxLayout(recargo);
-  capaRecargo->setSpacing(2);
+  auto* capaRecargo = new QHBoxLayout(recargo);
+  capaRecargo->setContentsMargins(0, 0, 0, 0);
   auto* grupoRecargo = new QButtonGroup(recargo);
   const QString textosRecargo[] = {QStringLiteral("&Sin recargo"), QStringLiteral("&5% Recargo"),
                                    QStringLiteral("&20% Recargo")};
@@ -138,9 +133,19 @@ void TC1VAL::construye() {
     Option1_[static_cast<std::size_t>(i)] = b;
   }
   Option1_[0]->setChecked(true);
+  auto* fila1 = new QHBoxLayout;
+  fila1->addWidget(rotulo(q("Periodo de liquidación:"_cp)));
+  fila1->addWidget(nombra(QStringLiteral("&Mes:"), Combo1_));
+  fila1->addWidget(Combo1_);
+  fila1->addWidget(nombra(q("Añ&o:"_cp), Combo2_));
+  fila1->addWidget(Combo2_);
+  fila1->addSpacing(24);
+  fila1->addWidget(rotulo(QStringLiteral("Recargo:")));
+  fila1->addWidget(recargo);
+  fila1->addStretch(1);
 
-  // All the companies of the month, or one of them.
-  auto* empresas = new QGroupBox(QStringLiteral("Empresas"), contenido);
+  // All the companies of the month or one of them, and the run's commands, on the second.
+  auto* empresas = new QWidget(contenido);
   empresas->setObjectName(QStringLiteral("Option3D1"));
   todas_ = new QRadioButton(QStringLiteral("&Todas."), empresas);
   todas_->setObjectName(QStringLiteral("Option3D1_0"));
@@ -150,125 +155,128 @@ void TC1VAL::construye() {
   grupoEmpresas->addButton(todas_, 0);
   grupoEmpresas->addButton(una_, 1);
   todas_->setChecked(true);
-  ComboEmpresa_ = new QComboBox(empresas);
+  auto* capaEmpresas = new QHBoxLayout(empresas);
+  capaEmpresas->setContentsMargins(0, 0, 0, 0);
+  capaEmpresas->addWidget(todas_);
+  capaEmpresas->addWidget(una_);
+  ComboEmpresa_ = new QComboBox(contenido);
   ComboEmpresa_->setObjectName(QStringLiteral("ComboEmpresa"));
   ComboEmpresa_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
   ComboEmpresa_->setMinimumContentsLength(30);
-  auto* capaEmpresas = new QGridLayout(empresas);
-  capaEmpresas->setVerticalSpacing(2);
-  capaEmpresas->addWidget(todas_, 0, 0);
-  capaEmpresas->addWidget(una_, 1, 0);
-  capaEmpresas->addWidget(ComboEmpresa_, 1, 1);
-  capaEmpresas->setColumnStretch(1, 1);
 
-  auto* elecciones = new QHBoxLayout;
-  elecciones->addWidget(periodo, 0, Qt::AlignTop);
-  elecciones->addWidget(recargo, 0, Qt::AlignTop);
-  elecciones->addWidget(empresas, 1, Qt::AlignTop);
-
-  // The commands.
+  // The commands. Enter on a command presses it; anywhere else it is "Calcular".
   auto boton = [&](const char* nombre, const QString& texto, QStyle::StandardPixmap icono) {
     auto* b = new QPushButton(estilo->standardIcon(icono), texto, contenido);
     b->setObjectName(QString::fromLatin1(nombre));
+    b->setAutoDefault(true);
     return b;
   };
-  calcular_ = boton("Calcular", QStringLiteral("Calcular"), QStyle::SP_MediaPlay);
-  Command3D8_ = boton("Command3D8", QStringLiteral("Cancelar"), QStyle::SP_DialogCancelButton);
-  tc2_ = boton("TC2", QStringLiteral("TC2"), QStyle::SP_FileDialogContentsView);
-  tc2_->setCheckable(true);
-  tc2_->setToolTip(QStringLiteral("Muestra u oculta la hoja TC2 del primer trabajador de la empresa"));
-  imprimir_ = boton("Imprimir", QStringLiteral("Imprimir"), QStyle::SP_FileDialogDetailedView);
+  calcular_ = boton("Calcular", QStringLiteral("&Calcular"), QStyle::SP_MediaPlay);
+  Command3D8_ = boton("Command3D8", QStringLiteral("Ca&ncelar"), QStyle::SP_DialogCancelButton);
+  Command3D8_->setToolTip(QStringLiteral("Detiene el cálculo de todas las empresas en la siguiente (Escape)"));
+  auto* fila2 = new QHBoxLayout;
+  fila2->addWidget(rotulo(QStringLiteral("Empresas:")));
+  fila2->addWidget(empresas);
+  fila2->addSpacing(12);
+  fila2->addWidget(nombra(QStringLiteral("&Empresa:"), ComboEmpresa_));
+  fila2->addWidget(ComboEmpresa_, 1);
+  fila2->addSpacing(12);
+  fila2->addWidget(calcular_);
+  fila2->addWidget(Command3D8_);
+
+  // The printing's commands on the third: the port, and the same statement drawn on a
+  // page (seen first, sent to a printer of the system, or kept as a PDF), on plain paper
+  // with the form's rules and captions; then "Salir".
+  imprimir_ = boton("Imprimir", QStringLiteral("Im&primir"), QStyle::SP_FileDialogDetailedView);
   imprimir_->setToolTip(QStringLiteral("Imprime el boletín en el impreso oficial"));
-  Check4_ = new QCheckBox(QStringLiteral("Enviado por R.E.D."), contenido);
-  Check4_->setObjectName(QStringLiteral("Check4"));
-  // The same statement drawn on a page: seen first, sent to a printer of the system, or
-  // kept as a PDF; on plain paper with the form's rules and captions.
   vistaPrevia_ = boton("VistaPrevia", QStringLiteral("&Vista previa"), QStyle::SP_FileDialogInfoView);
   vistaPrevia_->setToolTip(QStringLiteral("Muestra el boletín como saldrá en la hoja, y lo imprime desde allí"));
-  impresora_ = boton("Impresora", QStringLiteral("Im&presora..."), QStyle::SP_ComputerIcon);
+  impresora_ = boton("Impresora", QStringLiteral("Imp&resora..."), QStyle::SP_ComputerIcon);
   impresora_->setToolTip(QStringLiteral("Imprime el boletín en una impresora del sistema"));
-  pdf_ = boton("Pdf", QStringLiteral("P&DF..."), QStyle::SP_DialogSaveButton);
+  pdf_ = boton("Pdf", QStringLiteral("PD&F..."), QStyle::SP_DialogSaveButton);
   pdf_->setToolTip(QStringLiteral("Guarda el boletín en un fichero PDF"));
+  Check4_ = new QCheckBox(QStringLiteral("Enviado por R.E.&D."), contenido);
+  Check4_->setObjectName(QStringLiteral("Check4"));
   conImpreso_ = new QCheckBox(QStringLiteral("Papel en &blanco"), contenido);
   conImpreso_->setObjectName(QStringLiteral("ConImpreso"));
   conImpreso_->setToolTip(
       QStringLiteral("La hoja lleva también las rayas y los rótulos del impreso (vista previa, impresora y PDF)"));
-  salir_ = boton("Salir", QStringLiteral("Salir"), QStyle::SP_DialogCloseButton);
-  // The run's commands on one row, the printing's on the next, so that both fit a
-  // narrow window.
-  auto* ordenes = new QVBoxLayout;
-  auto* calculo = new QHBoxLayout;
-  calculo->addWidget(calcular_);
-  calculo->addWidget(Command3D8_);
-  calculo->addWidget(tc2_);
-  calculo->addStretch(1);
-  calculo->addWidget(salir_);
-  auto* impresion = new QHBoxLayout;
-  impresion->addWidget(imprimir_);
-  impresion->addWidget(vistaPrevia_);
-  impresion->addWidget(impresora_);
-  impresion->addWidget(pdf_);
-  impresion->addWidget(Check4_);
-  impresion->addWidget(conImpreso_);
-  impresion->addStretch(1);
-  ordenes->addLayout(calculo);
-  ordenes->addLayout(impresion);
+  salir_ = boton("Salir", QStringLiteral("Sa&lir"), QStyle::SP_DialogCloseButton);
+  salir_->setToolTip(QStringLiteral("Cierra el boletín (Escape)"));
+  auto* fila3 = new QHBoxLayout;
+  for (QWidget* w : {static_cast<QWidget*>(imprimir_), static_cast<QWidget*>(vistaPrevia_),
+                     static_cast<QWidget*>(impresora_), static_cast<QWidget*>(pdf_), static_cast<QWidget*>(Check4_),
+                     static_cast<QWidget*>(conImpreso_)})
+    fila3->addWidget(w);
+  fila3->addStretch(1);
+  fila3->addWidget(salir_);
 
-  // The progress of a run.
+  // The progress of a run and the outcome of a printing; its room is kept, so that the
+  // statement does not move when it shows.
   Panel3D3_ = new QLabel(contenido);
   Panel3D3_->setObjectName(QStringLiteral("Panel3D3"));
   Panel3D3_->setFrameStyle(QFrame::Panel | QFrame::Sunken);
   Panel3D3_->setTextFormat(Qt::PlainText);
+  QSizePolicy politica = Panel3D3_->sizePolicy();
+  politica.setRetainSizeWhenHidden(true);
+  Panel3D3_->setSizePolicy(politica);
   Panel3D3_->hide();
 
-  // Which run made the figures on screen, and why the other run can give others.
-  Origen_ = new QLabel(contenido);
+  // Under them, one page at a time: the statement of the company last calculated, with
+  // the note of which run made its figures; the sheet of its first worker; its TC1 lines,
+  // as they go into the exchange file.
+  Pestanas_ = new QTabWidget(contenido);
+  Pestanas_->setObjectName(QStringLiteral("Pestanas"));
+  auto* paginaBoletin = new QWidget;
+  vista_ = new VistaBoletin(paginaBoletin, VistaBoletin::Disposicion::Compacta);
+  vista_->usaDecimal(programa_.separadores().decimal);
+  Origen_ = new QLabel(paginaBoletin);
   Origen_->setObjectName(QStringLiteral("Origen"));
   Origen_->setTextFormat(Qt::PlainText);
   Origen_->setWordWrap(true);
   Origen_->hide();
-
-  // The statement of the company last calculated; the worker's sheet shows on demand.
-  vista_ = new VistaBoletin(contenido);
-  vista_->usaDecimal(programa_.separadores().decimal);
-  vista_->muestraHoja(false);
-
-  // Its TC1 lines, as they go into the exchange file.
-  ListaTC1_ = new QListWidget(contenido);
+  auto* capaBoletin = new QVBoxLayout(paginaBoletin);
+  capaBoletin->setContentsMargins(MARGEN / 2, MARGEN / 2, MARGEN / 2, MARGEN / 2);
+  capaBoletin->addWidget(vista_);
+  capaBoletin->addWidget(Origen_);
+  capaBoletin->addStretch(1);
+  Pestanas_->addTab(paginaBoletin, q("Boletín TC&1"_cp));
+  auto* paginaHoja = new QWidget;
+  auto* capaHoja = new QHBoxLayout(paginaHoja);
+  capaHoja->addWidget(vista_->hoja(), 0, Qt::AlignTop);
+  capaHoja->addStretch(1);
+  Pestanas_->addTab(paginaHoja, QStringLiteral("&Hoja TC2"));
+  Pestanas_->setTabToolTip(1, QStringLiteral("La hoja TC2 del primer trabajador de la empresa"));
+  vista_->hoja()->show();
+  ListaTC1_ = new QListWidget;
   ListaTC1_->setObjectName(QStringLiteral("ListaTC1"));
   ListaTC1_->setFont(letraFija(font()));
   ListaTC1_->setSelectionMode(QAbstractItemView::SingleSelection);
   ListaTC1_->setEditTriggers(QAbstractItemView::NoEditTriggers);
-  ListaTC1_->setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
-  {
-    const QFontMetrics m(ListaTC1_->font());
-    ListaTC1_->setMinimumWidth(m.horizontalAdvance(QString(ANCHOLINEA + 2, QLatin1Char('0'))) +
-                               ListaTC1_->verticalScrollBar()->sizeHint().width());
-    ListaTC1_->setMinimumHeight(m.lineSpacing() * FILASLISTA + 2 * ListaTC1_->frameWidth() + 4);
-  }
-  auto* tituloLista = new QLabel(QStringLiteral("Líneas TC1 del fichero de intercambio"), contenido);
-  tituloLista->setBuddy(ListaTC1_);
+  Pestanas_->addTab(ListaTC1_, QStringLiteral("Re&gistros del fichero"));
+  Pestanas_->setTabToolTip(2, QStringLiteral("Las líneas TC1 de la empresa en el fichero de intercambio"));
 
+  // The frame's title bar (or the main window's, when it fills the frame) names the form.
   auto* capa = new QVBoxLayout(contenido);
-  capa->setContentsMargins(0, 0, 0, 6);
-  auto* cuerpo = new QVBoxLayout;
-  cuerpo->setContentsMargins(MARGEN, 0, MARGEN, 0);
-  cuerpo->addLayout(elecciones);
-  cuerpo->addLayout(ordenes);
-  cuerpo->addWidget(Panel3D3_);
-  cuerpo->addWidget(Origen_);
-  cuerpo->addWidget(vista_);
-  cuerpo->addWidget(tituloLista);
-  cuerpo->addWidget(ListaTC1_, 1);
-  capa->addWidget(titulo);
-  capa->addLayout(cuerpo, 1);
+  capa->setContentsMargins(MARGEN, MARGEN, MARGEN, MARGEN);
+  capa->setSpacing(MARGEN / 2);
+  capa->addLayout(fila1);
+  capa->addLayout(fila2);
+  capa->addLayout(fila3);
+  capa->addWidget(Panel3D3_);
+  capa->addWidget(Pestanas_, 1);
+
+  // Tab goes down the rows, each from left to right, and then to the pages.
+  QWidget* const orden[] = {Combo1_, Combo2_,   Option1_[0], Option1_[1], Option1_[2],  todas_,
+                            una_,    ComboEmpresa_, calcular_, Command3D8_, imprimir_, vistaPrevia_,
+                            impresora_, pdf_,    Check4_,     conImpreso_, salir_,      Pestanas_};
+  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
 
   connect(Combo1_, &QComboBox::currentIndexChanged, this, [this] { cargaEmpresas(); });
   connect(Combo2_, &QComboBox::currentIndexChanged, this, [this] { cargaEmpresas(); });
   connect(una_, &QRadioButton::toggled, this, [this] { cargaEmpresas(); });
   connect(calcular_, &QPushButton::clicked, this, &TC1VAL::calcula);
   connect(Command3D8_, &QPushButton::clicked, this, &TC1VAL::cancela);
-  connect(tc2_, &QPushButton::toggled, this, [this](bool visible) { vista_->muestraHoja(visible); });
   connect(imprimir_, &QPushButton::clicked, this, &TC1VAL::imprime);
   connect(vistaPrevia_, &QPushButton::clicked, this, &TC1VAL::vistaPrevia);
   connect(impresora_, &QPushButton::clicked, this, &TC1VAL::imprimeEnImpresora);
@@ -488,11 +496,24 @@ void TC1VAL::sal() {
     close();
 }
 
-void TC1VAL::resizeEvent(QResizeEvent* evento) {
-  // The statement's right-hand blocks go under it when the window is too narrow for both
-  // columns, so that nothing is cut on the right.
-  vista_->apila(width() < vista_->anchoEnDosColumnas() + 2 * MARGEN + style()->pixelMetric(QStyle::PM_ScrollBarExtent));
-  QWidget::resizeEvent(evento);
+void TC1VAL::keyPressEvent(QKeyEvent* evento) {
+  switch (evento->key()) {
+    case Qt::Key_Return:
+    case Qt::Key_Enter:
+      // A command with the focus takes Enter itself (autoDefault): here it reached no
+      // command, and it is the form's default one.
+      calcular_->click();
+      return;
+    case Qt::Key_Escape:
+      // While a run goes, "Cancelar" (when it can stop it); otherwise "Salir".
+      if (enMarcha_)
+        Command3D8_->click();
+      else
+        sal();
+      return;
+    default:
+      QWidget::keyPressEvent(evento);
+  }
 }
 
 void TC1VAL::closeEvent(QCloseEvent* evento) {

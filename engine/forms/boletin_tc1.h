@@ -1,16 +1,22 @@
 // TC1VAL, the statement form "Boletín de cotización a la Seguridad Social": a child
 // window of the main frame where the clerk picks a month, a surcharge and one company
 // or all of them, and "Calcular" runs the TC1 of the core (ejecutaTC1) outside any FAN
-// file. It shows the statement of the company last calculated (a VistaBoletin) and,
-// under it, the TC1 lines that company leaves for the exchange file.
+// file. Under its three rows of choices and commands, one page at a time: the whole
+// statement of the company last calculated (a compact VistaBoletin), the sheet of its
+// first worker, and the TC1 lines it leaves for the exchange file. All of it fits the
+// main frame as the program opens it (frmMain::TAMANOINICIAL) without scrolling.
 //
 // Names of the controls: "Combo1" (month), "Combo2" (year), the surcharge group
 // "Option1" with "Option1_0".."Option1_2", the companies group "Option3D1" with
 // "Option3D1_0" ("&Todas.") and "Option3D1_1" ("&Una empresa."), "ComboEmpresa",
-// the buttons "Calcular", "Command3D8" ("Cancelar"), "TC2", "Imprimir" and "Salir", the
-// check box "Check4" ("Enviado por R.E.D."), the progress panel "Panel3D3", the note
-// "Origen" of which run made the figures shown, the view
-// "VistaBoletin" and the line list "ListaTC1".
+// the buttons "Calcular", "Command3D8" ("Cancelar"), "Imprimir" and "Salir", the
+// check box "Check4" ("Enviado por R.E.D."), the progress panel "Panel3D3", the pages
+// "Pestanas" with the view "VistaBoletin" and the note "Origen" of which run made the
+// figures shown, the sheet "HojaTC2" and the line list "ListaTC1".
+//
+// Keyboard: every control has an Alt letter of its own (the combos through their
+// captions); Tab goes down the rows, each from left to right; Enter is "Calcular"
+// unless a command has the focus; Escape is "Cancelar" while a run goes, else "Salir".
 //
 // "Imprimir" prints the statement on screen on the pre-printed form, to the port of the
 // settings (VALDOR_IMPRESORA, else LPT1). The same lines drawn on a page, at the same
@@ -39,6 +45,7 @@ class QLabel;
 class QListWidget;
 class QPushButton;
 class QRadioButton;
+class QTabWidget;
 
 namespace valdor {
 class COTVAL;
@@ -71,7 +78,7 @@ class TC1VAL : public QWidget {
 
  protected:
   void closeEvent(QCloseEvent* evento) override;
-  void resizeEvent(QResizeEvent* evento) override;
+  void keyPressEvent(QKeyEvent* evento) override;
 
  private:
   void construye();
@@ -119,12 +126,12 @@ class TC1VAL : public QWidget {
   QComboBox *Combo1_ = nullptr, *Combo2_ = nullptr, *ComboEmpresa_ = nullptr;
   std::array<QRadioButton*, 3> Option1_{};
   QRadioButton *todas_ = nullptr, *una_ = nullptr;
-  QPushButton *calcular_ = nullptr, *Command3D8_ = nullptr, *tc2_ = nullptr, *imprimir_ = nullptr,
-              *salir_ = nullptr;
+  QPushButton *calcular_ = nullptr, *Command3D8_ = nullptr, *imprimir_ = nullptr, *salir_ = nullptr;
   QPushButton *vistaPrevia_ = nullptr, *impresora_ = nullptr, *pdf_ = nullptr;
   QCheckBox *Check4_ = nullptr, *conImpreso_ = nullptr;
   QLabel* Panel3D3_ = nullptr;
   QLabel* Origen_ = nullptr;
+  QTabWidget* Pestanas_ = nullptr;
   VistaBoletin* vista_ = nullptr;
   QListWidget* ListaTC1_ = nullptr;
 };

@@ -91,17 +91,21 @@ QLineEdit* VistaBoletin::caja(int numero, int caracteres, bool importe) {
   return c;
 }
 
-VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadoresDelSistema().decimal) {
+VistaBoletin::VistaBoletin(QWidget* padre, Disposicion disposicion)
+    : QWidget(padre), decimal_(separadoresDelSistema().decimal) {
   setObjectName(QStringLiteral("VistaBoletin"));
-  auto* capa = new QBoxLayout(QBoxLayout::LeftToRight, this);
-  capa->setContentsMargins(0, 0, 0, 0);
-  capa_ = capa;
-  auto* columnaBoletin = new QVBoxLayout;
-  auto* columnaDerecha = new QVBoxLayout;
-  capa->addLayout(columnaBoletin, 1);
-  capa->addLayout(columnaDerecha, 0);
+  const bool compacta = disposicion == Disposicion::Compacta;
+  if (compacta) {
+    // Every field and caption takes it, since each is made after this.
+    QFont menor = font();
+    menor.setPointSizeF(menor.pointSizeF() - 1);
+    setFont(menor);
+  }
   const auto izq = Qt::AlignLeft | Qt::AlignVCenter;
   const auto der = Qt::AlignRight | Qt::AlignVCenter;
+  // The blocks, made in the order of the form, then arranged.
+  QWidget *empleador = nullptr, *contingencias = nullptr, *resultado = nullptr, *accidentes = nullptr,
+          *otras = nullptr;
 
   // The employer.
   {
@@ -140,7 +144,7 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     g->addLayout(periodo, 5, 3, 1, 3);
     g->setColumnStretch(1, 3);
     g->setColumnStretch(5, 2);
-    columnaBoletin->addWidget(b);
+    empleador = b;
   }
 
   // General contingencies: base, rate and quota of each concept, the compensations and
@@ -172,7 +176,7 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     g->addWidget(etiqueta(QStringLiteral("Liquido contingencias generales"), b), 11, 0, 1, 3);
     g->addWidget(caja(41, IMPORTE, true), 11, 3, der);
     g->setColumnStretch(0, 1);
-    columnaBoletin->addWidget(b);
+    contingencias = b;
   }
 
   // Surcharge and the result.
@@ -186,9 +190,8 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     g->addWidget(cabecera(QStringLiteral("A INGRESAR"), b), 2, 0, izq);
     g->addWidget(caja(58, IMPORTE, true), 2, 1, der);
     g->setColumnStretch(0, 1);
-    columnaBoletin->addWidget(b);
+    resultado = b;
   }
-  columnaBoletin->addStretch(1);
 
   // Accidents at work and occupational diseases.
   {
@@ -204,7 +207,7 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     g->addWidget(caja(46, IMPORTE, true), 2, 3, der);
     g->addWidget(etiqueta(QStringLiteral("Líquido Acc. trabajo y enf. prof."), b, der), 3, 0, 1, 3);
     g->addWidget(caja(47, IMPORTE, true), 3, 3, der);
-    columnaDerecha->addWidget(b);
+    accidentes = b;
   }
 
   // Other contributions: two rows of base, rate and quota, the bonuses and the partial
@@ -228,7 +231,7 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     g->addWidget(etiqueta(QStringLiteral("Liquido Otras Cotizaciones"), b, der), 5, 0, 1, 3);
     g->addWidget(caja(54, IMPORTE, true), 5, 3, der);
     g->setColumnStretch(0, 1);
-    columnaDerecha->addWidget(b);
+    otras = b;
   }
 
   // The worker's sheet.
@@ -282,26 +285,40 @@ VistaBoletin::VistaBoletin(QWidget* padre) : QWidget(padre), decimal_(separadore
     fechaBonificacion_ = campoHoja("FechaBonificacion", 10, false);
     g->addWidget(fechaBonificacion_, 9, 1, izq);
     g->setColumnStretch(1, 1);
-    columnaDerecha->addWidget(b);
   }
-  columnaDerecha->addStretch(1);
+
+  if (compacta) {
+    auto* capa = new QVBoxLayout(this);
+    capa->setContentsMargins(0, 0, 0, 0);
+    auto* arriba = new QHBoxLayout;
+    arriba->addWidget(empleador, 1);
+    arriba->addWidget(resultado, 0, Qt::AlignTop);
+    auto* abajo = new QHBoxLayout;
+    abajo->addWidget(contingencias, 1, Qt::AlignTop);
+    auto* derecha = new QVBoxLayout;
+    derecha->addWidget(accidentes);
+    derecha->addWidget(otras);
+    derecha->addStretch(1);
+    abajo->addLayout(derecha);
+    capa->addLayout(arriba);
+    capa->addLayout(abajo);
+    capa->addStretch(1);
+    hoja_->hide();
+    return;
+  }
+  auto* capa = new QHBoxLayout(this);
+  capa->setContentsMargins(0, 0, 0, 0);
+  auto* izquierda = new QVBoxLayout;
+  for (QWidget* b : {empleador, contingencias, resultado}) izquierda->addWidget(b);
+  izquierda->addStretch(1);
+  auto* derecha = new QVBoxLayout;
+  for (QWidget* b : {accidentes, otras, static_cast<QWidget*>(hoja_)}) derecha->addWidget(b);
+  derecha->addStretch(1);
+  capa->addLayout(izquierda, 1);
+  capa->addLayout(derecha, 0);
 }
 
-void VistaBoletin::apila(bool apilada) {
-  capa_->setDirection(apilada ? QBoxLayout::TopToBottom : QBoxLayout::LeftToRight);
-}
-
-int VistaBoletin::anchoEnDosColumnas() const {
-  const QBoxLayout::Direction antes = capa_->direction();
-  capa_->setDirection(QBoxLayout::LeftToRight);
-  const int ancho = capa_->minimumSize().width();
-  capa_->setDirection(antes);
-  return ancho;
-}
-
-void VistaBoletin::muestraHoja(bool visible) { hoja_->setVisible(visible); }
-
-bool VistaBoletin::hojaVisible() const { return !hoja_->isHidden(); }
+QWidget* VistaBoletin::hoja() const { return hoja_; }
 
 void VistaBoletin::muestra(const valdor::EstadoCalculo& calculo) { muestra(calculo.cajas, hojaTC2(calculo.GRID1)); }
 

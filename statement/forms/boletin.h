@@ -2,6 +2,14 @@
 // Social" (TC1) laid out by blocks as on the form, and beside it the worker's sheet
 // "TC2-TC2/1 ABREVIADO". Every field is read-only.
 //
+// Two arrangements of the blocks. In two columns (the run's window): the employer, the
+// general contingencies and the result on the left; accidents at work, other
+// contributions and the sheet on the right. Compact (a child window of the main frame,
+// which must show the whole statement in less room): a letter one point smaller, the
+// employer and the result side by side on top, the general contingencies and the
+// right-hand blocks side by side under them; the sheet is left out of the view, for the
+// form to place where it has room (hoja()).
+//
 // Names of the controls:
 //  - the statement boxes: "Text1" ... "Text58" (there is no Text56) and "Text78",
 //    "Text79", "Text80" (the second row of "OTRAS COTIZACIONES"), each showing its box;
@@ -17,7 +25,6 @@
 #include "statement/estado.h"
 #include "statement/hojatc2.h"
 
-class QBoxLayout;
 class QGroupBox;
 class QLineEdit;
 
@@ -31,7 +38,9 @@ class VistaBoletin : public QWidget {
   Q_OBJECT
 
  public:
-  explicit VistaBoletin(QWidget* padre = nullptr);
+  enum class Disposicion { DosColumnas, Compacta };
+
+  explicit VistaBoletin(QWidget* padre = nullptr, Disposicion disposicion = Disposicion::DosColumnas);
 
   // The statement boxes of the run and the sheet of the worker in row 1 of its GRID1.
   void muestra(const valdor::EstadoCalculo& calculo);
@@ -43,22 +52,15 @@ class VistaBoletin : public QWidget {
   // pins another.
   void usaDecimal(char decimal) { decimal_ = decimal; }
 
-  // The blocks on the right (accidents at work, other contributions, the sheet) beside
-  // the statement, or under it in a narrow window.
-  void apila(bool apilada);
-  // The width the view needs with the blocks beside the statement.
-  int anchoEnDosColumnas() const;
-
-  // The worker's sheet shown or hidden; the statement stays as it is.
-  void muestraHoja(bool visible);
-  bool hojaVisible() const;
+  // The worker's sheet, filled by muestra wherever it stands: in the compact arrangement
+  // the form gives it a place (a widget of its own there).
+  QWidget* hoja() const;
 
  private:
   QLineEdit* caja(int numero, int caracteres, bool importe);
   QLineEdit* campoHoja(const char* nombre, int caracteres, bool importe);
 
   char decimal_;
-  QBoxLayout* capa_ = nullptr;
   // The field of each box (nullptr for the boxes not shown).
   std::array<QLineEdit*, 81> cajas_{};
   QGroupBox* hoja_ = nullptr;

@@ -1,6 +1,7 @@
-// The statement form TC1VAL on the sample office of October 2026: its choices, the
-// one-company and all-companies runs with the TC1 lines under the statement, the cancel
-// at a company break, and the main window that opens it and waits while it runs.
+// The statement form TC1VAL on the sample office of October 2026: its choices and its
+// keyboard, the one-company and all-companies runs with their TC1 lines, the cancel at a
+// company break, and the main window that opens it, gives it room for all of it and
+// waits while it runs.
 #include <array>
 #include <cmath>
 
@@ -13,6 +14,7 @@
 
 namespace valdor::pruebas {
 
+using formularios::frmMain;
 using formularios::TC1VAL;
 
 namespace {
@@ -64,6 +66,21 @@ void compruebaLineasDelBoletin(QWidget* f) {
     QVERIFY2(!l.isEmpty(), codigo);
     QCOMPARE(l.at(41) == QLatin1Char('-') ? -centimos(l, 30) : centimos(l, 30), centimosDeCaja(f, campo));
   }
+}
+
+// The Alt letters of a form, one for each control that has one: the commands, options
+// and check boxes, the captions of the combos, the pages.
+QStringList letrasAlt(const QWidget* f) {
+  QStringList textos;
+  for (const QAbstractButton* b : f->findChildren<QAbstractButton*>())
+    if (b->isVisibleTo(f) && !b->text().isEmpty()) textos << b->text();
+  for (const QLabel* l : f->findChildren<QLabel*>())
+    if (l->buddy()) textos << l->text();
+  for (const QTabWidget* t : f->findChildren<QTabWidget*>())
+    for (int i = 0; i < t->count(); ++i) textos << t->tabText(i);
+  QStringList letras;
+  for (const QString& texto : textos) letras << QKeySequence::mnemonic(texto).toString();
+  return letras;
 }
 
 // "Calcular", "Cancelar" and "Salir" enabled or not, and the progress shown or not.
@@ -144,18 +161,40 @@ class PruebaBoletinTC1 : public QObject {
     s.c<QRadioButton>("Option3D1_0")->click();
     QVERIFY(!s.c("ComboEmpresa")->isEnabled() && s.c<QPushButton>("Calcular")->isEnabled());
 
-    // "TC2" shows the worker's sheet under the statement, and hides it again.
-    auto* hoja = control<QWidget>(s.f.get(), "HojaTC2");
-    QVERIFY(!hoja->isVisibleTo(s.f.get()));
-    s.c<QPushButton>("TC2")->click();
-    QVERIFY(hoja->isVisibleTo(s.f.get()));
-    s.c<QPushButton>("TC2")->click();
-    QVERIFY(!hoja->isVisibleTo(s.f.get()));
-
     // In January, December of the year before.
     Formulario enero(Momento{2027, 1, 10, 9, 0, 0});
     QCOMPARE(enero.c("Combo1")->currentText(), QStringLiteral("Diciembre"));
     QCOMPARE(enero.c("Combo2")->currentText(), QStringLiteral("2026"));
+  }
+
+  void elTeclado() {
+    Formulario s;
+    // Every control has an Alt letter, and no two the same.
+    const QStringList letras = letrasAlt(s.f.get());
+    QCOMPARE(letras.size(), 20);
+    QVERIFY(!letras.contains(QString()));
+    QCOMPARE(QSet<QString>(letras.begin(), letras.end()).size(), letras.size());
+
+    // Tab goes down the rows, each from left to right, and then to the pages.
+    const auto* paginas = s.c<QTabWidget>("Pestanas");
+    const QStringList orden{"Combo1",   "Combo2",      "Option1_0",   "Option1_1", "Option1_2", "Option3D1_0",
+                            "Option3D1_1", "ComboEmpresa", "Calcular", "Command3D8", "Imprimir", "VistaPrevia",
+                            "Impresora", "Pdf",         "Check4",      "ConImpreso", "Salir",     "Pestanas"};
+    QStringList recorrido;
+    QWidget* w = s.c("Combo1");
+    do {
+      const QWidget* control = w->parentWidget() == paginas ? paginas : w;  // the pages' tab bar
+      if (orden.contains(control->objectName()) && !recorrido.contains(control->objectName()))
+        recorrido << control->objectName();
+      w = w->nextInFocusChain();
+    } while (w != s.c("Combo1"));
+    QCOMPARE(recorrido, orden);
+
+    // Enter on a combo is "Calcular" (every company: the closing box); Escape closes.
+    QTest::keyClick(s.c("Combo2"), Qt::Key_Return);
+    QCOMPARE(s.o.dialogos.mensajes.size(), std::size_t{1});
+    QTest::keyClick(s.c("Combo2"), Qt::Key_Escape);
+    QVERIFY(!s.f->isVisible());
   }
 
   void unaEmpresaTodasYElCancelar() {
@@ -270,6 +309,11 @@ class PruebaBoletinTC1 : public QObject {
     TC1VAL* f = e.v.boletin();
     QVERIFY(f && f->isVisible());
     QCOMPARE(mdi->subWindowList().size(), 2);
+    // The menus' letters are the window's: the form has none of them.
+    const QStringList letras = letrasAlt(f);
+    for (const QAction* menu : e.v.menuBar()->actions())
+      QVERIFY2(!letras.contains(QKeySequence::mnemonic(menu->text()).toString()), qPrintable(menu->text()));
+
     // The menu raises the same form.
     e.v.findChild<QAction*>(QStringLiteral("mnuFileBoletin"))->trigger();
     QCOMPARE(e.v.boletin(), f);
@@ -293,6 +337,15 @@ class PruebaBoletinTC1 : public QObject {
     QVERIFY(e.o.dialogos.mensajes.empty());
     QCOMPARE(caja(f, 1), q("Café Nórdico Lars Hansen"_cp));
     QVERIFY(cotiza->isEnabled() && e.v.asistente()->isEnabled());
+    // In the window as the program opens it, the form has room for all of it, the note
+    // of the all-companies run included.
+    e.v.resize(frmMain::TAMANOINICIAL);
+    QCoreApplication::sendPostedEvents();
+    const auto* desplaza = control<QScrollArea>(f, "desplaza");
+    const QSize necesita = desplaza->widget()->minimumSizeHint(), tiene = desplaza->size();
+    QVERIFY2(necesita.width() <= tiene.width() && necesita.height() <= tiene.height(),
+             qPrintable(QStringLiteral("%1x%2 en %3x%4").arg(necesita.width()).arg(necesita.height())
+                            .arg(tiene.width()).arg(tiene.height())));
 
     // The wizard's commands bring the wizard back in front of it.
     cotiza->click();
