@@ -578,6 +578,9 @@ void escribeFicherosAfi(Programa& programa, const PaginaIntercambio& pagina, AFI
   const auto alTrabajador = [&] {
     const int progreso = std::min(100, 100 * ++hechos / total);
     if (progreso != afi.progreso) programa.dialogos().progreso(afi.progreso = progreso, "Generando fichero:", "");
+    // A stop asked while this worker was written ends the run here, before any file of
+    // it takes its name: the temporary files go with `ficheros`.
+    programa.atiendeParada();
   };
   std::deque<FicheroRegistros> ficheros;  // a deque: its elements never move
   for (std::size_t k = 0; k < afi.ficheros.size(); ++k) {
@@ -614,6 +617,7 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
   programa.hallazgosEscritos.clear();
   const std::vector<std::string> anteriores = std::exchange(afi.escritos, {});
   afi.enviados.clear();
+  programa.retiraParada();
   if (afi.ficheros.empty()) return {};
   if (!destinoIntercambio(programa, rutaFicheroAFI(g.RUTAWS, pagina))) return {};
   const std::vector<std::string> nombres = nombresDeFicheros(programa, pagina, afi.ficheros.size(), anteriores);
@@ -629,6 +633,15 @@ std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& p
   for (const std::string& nombre : nombres) rutas.push_back(rutaFicheroAFI(g.RUTAWS, paginaDeFichero(pagina, nombre)));
   try {
     escribeFicherosAfi(programa, pagina, afi, nombres, rutas);
+  } catch (const TrabajoCancelado& e) {
+    // Nothing of the run stands under a name, older files of those names are as they
+    // were, and nothing is remembered as sent.
+    const std::string texto = afi.ficheros.size() == 1
+                                  ? std::string(e.what())
+                                  : std::string("Proceso cancelado por el usuario. No se ha generado ninguno de los "_cp) +
+                                        std::to_string(afi.ficheros.size()) + " ficheros.";
+    dialogos.mensaje(tituloAFILIA(), texto, Icono::Informacion);
+    return {};
   } catch (const ErrorFichero& e) {
     dialogos.mensaje(tituloAFILIA(), conFicheroNoGenerado(e.what()), Icono::Critico);
     return {};

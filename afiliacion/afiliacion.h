@@ -167,8 +167,9 @@ std::string textoNadaQueEnviar(const AFILIA& afi);
 // lines and trailer, the first under the page's name and the others under the free
 // names that follow it (nombreSiguiente); then the list of files when there are
 // several, and the editor offer for the first. The files go under their names only
-// when all of them are written: on a failure none of this run is left. Returns the
-// Windows paths written, in order (empty when nothing was written), also kept in
+// when all of them are written: on a failure, or a stop the user asks for
+// (Programa::pideParada, heeded after each worker), none of this run is left. Returns
+// the Windows paths written, in order (empty when nothing was written), also kept in
 // `afi.escritos` with the keys of their pending rows in `afi.enviados`.
 std::vector<std::string> ESCRIBEFICHERO(Programa& programa, PaginaIntercambio& pagina, AFILIA& afi,
                                         FormulariosIntercambio& formularios);

@@ -4,6 +4,7 @@
 
 #include <deque>
 #include <filesystem>
+#include <functional>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -84,6 +85,7 @@ class DialogosGrabador : public Dialogos {
   }
   void progreso(int porcentaje, std::string_view e1, std::string_view e2) override {
     progresos.push_back({std::to_string(porcentaje), std::string(e1) + "|" + std::string(e2), Icono::Informacion});
+    if (alProgreso) alProgreso(porcentaje);
   }
   void puntero(Puntero p) override { punteros.push_back(p); }
 
@@ -91,6 +93,8 @@ class DialogosGrabador : public Dialogos {
   std::vector<Aviso> preguntas;
   std::vector<Aviso> progresos;
   std::vector<Puntero> punteros;
+  // What a test does in the middle of a run, at each progress it tells (a stop, a click).
+  std::function<void(int porcentaje)> alProgreso;
   std::deque<bool> respuestas;
   std::deque<Guardado> guardados;
   std::deque<std::optional<std::string>> entradas;

@@ -391,6 +391,22 @@ TEST(Afiliacion, UnaListaQueNoCabeVaEnVariosFicherosEnterosCadaUnoConSuPie) {
   EXPECT_EQ(std::distance(fs::directory_iterator(m.fichero("")), fs::directory_iterator()), 1);  // no temp file left
   m.dialogos.mensajes.clear();
 
+  // A stop asked while the second file is written (the first takes 600 of the 1,100
+  // workers): neither stands, an older file of the first name stays as it was.
+  pruebas::escribeBytes(m.fichero("AFI00001.AFI"), "anterior");
+  m.dialogos.alProgreso = [&m](int porcentaje) {
+    if (porcentaje > 60) m.programa.pideParada();
+  };
+  EXPECT_TRUE(ESCRIBEFICHERO(m.programa, m.pagina, afi, f).empty());
+  m.dialogos.alProgreso = {};
+  EXPECT_EQ(pruebas::leeBytes(m.fichero("AFI00001.AFI")), "anterior");
+  EXPECT_EQ(std::distance(fs::directory_iterator(m.fichero("")), fs::directory_iterator()), 2);
+  EXPECT_TRUE(afi.enviados.empty());
+  ASSERT_EQ(m.dialogos.mensajes.size(), 1u);
+  EXPECT_EQ(m.dialogos.mensajes[0].texto,
+            "Proceso cancelado por el usuario. No se ha generado ninguno de los 2 ficheros.");
+  m.dialogos.mensajes.clear();
+
   // A name that cannot count up gives no second file: nothing is written.
   m.pagina.Text8 = "99999999";
   EXPECT_TRUE(ESCRIBEFICHERO(m.programa, m.pagina, afi, f).empty());

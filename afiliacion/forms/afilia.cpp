@@ -35,6 +35,8 @@ QTableWidget* rejilla(const char* nombre, int columnas, QWidget* padre) {
   auto* t = new QTableWidget(0, columnas, padre);
   t->setObjectName(QString::fromLatin1(nombre));
   t->setEditTriggers(QAbstractItemView::NoEditTriggers);
+  // Tab goes on to the next control; the arrows move in the grid.
+  t->setTabKeyNavigation(false);
   t->setSelectionBehavior(QAbstractItemView::SelectRows);
   t->setSelectionMode(QAbstractItemView::SingleSelection);
   t->setAlternatingRowColors(true);
@@ -119,18 +121,6 @@ void AFILIA::construye() {
   lineas->addWidget(panelCabecera);
   lineas->addWidget(panelPie);
 
-  // The progress of the writing, and the three commands.
-  panelProgreso_ = new QWidget(this);
-  panelProgreso_->setObjectName(QStringLiteral("panelProgreso"));
-  ProgressBar1_ = new QProgressBar(panelProgreso_);
-  ProgressBar1_->setObjectName(QStringLiteral("ProgressBar1"));
-  ProgressBar1_->setRange(0, 100);
-  auto* capaProgreso = new QVBoxLayout(panelProgreso_);
-  capaProgreso->setContentsMargins(0, 0, 0, 0);
-  capaProgreso->addWidget(new QLabel(QStringLiteral("Generando fichero:"), panelProgreso_));
-  capaProgreso->addWidget(ProgressBar1_);
-  panelProgreso_->hide();
-
   auto boton = [this](const char* nombre, const QString& texto, QStyle::StandardPixmap icono) {
     auto* b = new QPushButton(style()->standardIcon(icono), texto, this);
     b->setObjectName(QString::fromLatin1(nombre));
@@ -138,6 +128,25 @@ void AFILIA::construye() {
     b->setAutoDefault(false);
     return b;
   };
+
+  // The progress of the writing with its "Cancelar", and the three commands.
+  panelProgreso_ = new QWidget(this);
+  panelProgreso_->setObjectName(QStringLiteral("panelProgreso"));
+  ProgressBar1_ = new QProgressBar(panelProgreso_);
+  ProgressBar1_->setObjectName(QStringLiteral("ProgressBar1"));
+  ProgressBar1_->setRange(0, 100);
+  cancelarTrabajo_ = boton("cancelarTrabajo", QStringLiteral("&Cancelar"), QStyle::SP_DialogCancelButton);
+  cancelarTrabajo_->hide();
+  connect(cancelarTrabajo_, &QPushButton::clicked, this, &AFILIA::pideParada);
+  auto* barraYCancelar = new QHBoxLayout;
+  barraYCancelar->addWidget(ProgressBar1_, 1);
+  barraYCancelar->addWidget(cancelarTrabajo_);
+  auto* capaProgreso = new QVBoxLayout(panelProgreso_);
+  capaProgreso->setContentsMargins(0, 0, 0, 0);
+  capaProgreso->addWidget(new QLabel(QStringLiteral("Generando fichero:"), panelProgreso_));
+  capaProgreso->addLayout(barraYCancelar);
+  panelProgreso_->hide();
+
   Command2_ = boton("Command2", QStringLiteral("&Generar Fichero"), QStyle::SP_DialogSaveButton);
   Command3_ = boton("Command3", QStringLiteral("&Nuevo"), QStyle::SP_FileIcon);
   Command1_ = boton("Command1", QStringLiteral("&Salir"), QStyle::SP_BrowserStop);
@@ -159,8 +168,8 @@ void AFILIA::construye() {
   pie->addLayout(lineas);
   pie->addLayout(mandos, 1);
 
-  auto* rotuloPendientes = new QLabel(QStringLiteral("Trabajadores pendientes de afiliación:"), this);
-  auto* rotuloEmpresas = new QLabel(QStringLiteral("Empresas:"), this);
+  auto* rotuloPendientes = new QLabel(QStringLiteral("&Trabajadores pendientes de afiliación:"), this);
+  auto* rotuloEmpresas = new QLabel(QStringLiteral("&Empresas:"), this);
   rotuloPendientes->setBuddy(GRID1_);
   rotuloEmpresas->setBuddy(Grid2_);
   auto* cuerpo = new QVBoxLayout;
@@ -175,6 +184,9 @@ void AFILIA::construye() {
   cuerpo->addLayout(pie);
 
   colocaForma(this, nullptr, cabecera, cuerpo);
+  // The order of the keyboard: the two grids, then the commands from left to right.
+  QWidget* const orden[] = {GRID1_, Grid2_, cancelarTrabajo_, Command2_, Command3_, Command1_};
+  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
 
   // The run's progress reaches the bar as the rules tell it, when the desktop answers them.
   if (auto* dialogos = dialogosQt(programa_.dialogos()))
@@ -219,15 +231,30 @@ void AFILIA::generaFichero() {
   dialogos.puntero(Puntero::Reloj);
   ProgressBar1_->setValue(0);
   panelProgreso_->show();
+  // The commands wait for the end of the writing; only its "Cancelar" answers meanwhile.
+  for (QPushButton* b : {Command2_, Command3_, Command1_}) b->setEnabled(false);
+  cancelarTrabajo_->setEnabled(true);
+  cancelarTrabajo_->show();
   GRID1_->setUpdatesEnabled(false);
+  trabajando_ = true;
   try {
+    EntradaDuranteTrabajo entrada(dialogos);
     ESCRIBEFICHERO(programa_, pagina_, *afi_, formularios_);
   } catch (const std::exception& e) {
     avisaError(dialogos, e);
   }
+  trabajando_ = false;
+  cancelarTrabajo_->hide();
+  for (QPushButton* b : {Command3_, Command1_}) b->setEnabled(true);
+  Command2_->setEnabled(afi_->generarActivo);
   ProgressBar1_->setValue(afi_->progreso);
   GRID1_->setUpdatesEnabled(true);
   dialogos.puntero(Puntero::Normal);
+}
+
+void AFILIA::pideParada() {
+  programa_.pideParada();
+  cancelarTrabajo_->setEnabled(false);
 }
 
 void AFILIA::nuevo() {
@@ -235,7 +262,13 @@ void AFILIA::nuevo() {
   accept();
 }
 
-void AFILIA::reject() { nuevo(); }
+void AFILIA::reject() {
+  if (trabajando_) {
+    pideParada();
+  } else {
+    nuevo();
+  }
+}
 
 void AFILIA::salir() {
   QApplication::beep();

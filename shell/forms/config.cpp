@@ -1,5 +1,6 @@
 #include "shell/forms/config.h"
 
+#include <QApplication>
 #include <QComboBox>
 #include <QDialogButtonBox>
 #include <QFileDialog>
@@ -70,7 +71,7 @@ class DelegadoConfiguracion : public QStyledItemDelegate {
   // Takes into the grid what the open box holds, for a close that comes in the middle
   // of an edit.
   void confirma() {
-    if (abierta_) emit commitData(abierta_);
+    if (abierta_ && abierta_->isVisible()) emit commitData(abierta_);
   }
 
  private:
@@ -92,7 +93,7 @@ config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
 
   auto* pestanas = new QTabWidget(this);
   auto* general = new QWidget(pestanas);
-  pestanas->addTab(general, QStringLiteral("General"));
+  pestanas->addTab(general, QStringLiteral("&General"));
 
   Combo1_ = new QComboBox(general);
   Combo1_->setObjectName(QStringLiteral("Combo1"));
@@ -105,9 +106,19 @@ config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
   CONFI_->setSelectionMode(QAbstractItemView::SingleSelection);
   CONFI_->setEditTriggers(QAbstractItemView::AllEditTriggers);
   CONFI_->setItemDelegateForColumn(1, new DelegadoConfiguracion(filas_, CONFI_));
+  // Tab leaves the grid for the next control; the arrows move from row to row.
+  CONFI_->setTabKeyNavigation(false);
 
+  auto* rotuloCombo1 = new QLabel(QStringLiteral("&Empresa:"), general);
+  rotuloCombo1->setBuddy(Combo1_);
+  auto* rotuloCONFI = new QLabel(QStringLiteral("&Datos del intercambio:"), general);
+  rotuloCONFI->setBuddy(CONFI_);
+  auto* capaCombo1 = new QHBoxLayout;
+  capaCombo1->addWidget(rotuloCombo1);
+  capaCombo1->addWidget(Combo1_, 1);
   auto* capa = new QVBoxLayout(general);
-  capa->addWidget(Combo1_);
+  capa->addLayout(capaCombo1);
+  capa->addWidget(rotuloCONFI);
   capa->addWidget(CONFI_);
 
   auto* botones = new QDialogButtonBox(this);
@@ -124,6 +135,10 @@ config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
   principal->addWidget(botones);
 
   cargaRejilla();
+  // The order of the keyboard, top to bottom after the tab: the company, the grid and
+  // the route in its last row with its "...", then the two buttons.
+  QWidget* const orden[] = {Combo1_, CONFI_, rutaWinsuite_, buscaWinsuite_, aceptar, cancelar};
+  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
 }
 
 void config::cargaRejilla() {
@@ -147,6 +162,8 @@ void config::cargaRejilla() {
     CONFI_->setItem(f, 0, etiqueta);
     auto* valor = new QTableWidgetItem(aQString(fila.valor));
     valor->setTextAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    // The route is edited in its own box over the cell, never in the grid's editor.
+    if (f == FILARUTA) valor->setFlags(Qt::ItemIsEnabled | Qt::ItemIsSelectable);
     CONFI_->setItem(f, 1, valor);
   }
 
@@ -159,16 +176,23 @@ void config::cargaRejilla() {
   rutaWinsuite_->setObjectName(QStringLiteral("RutaWinsuite"));
   rutaWinsuite_->setMaxLength(static_cast<int>(filas_[FILARUTA].limite));
   rutaWinsuite_->setFrame(false);
-  auto* puntos = new QToolButton(celda);
-  puntos->setObjectName(QStringLiteral("BuscaWinsuite"));
-  puntos->setText(QStringLiteral("..."));
+  buscaWinsuite_ = new QToolButton(celda);
+  buscaWinsuite_->setObjectName(QStringLiteral("BuscaWinsuite"));
+  buscaWinsuite_->setText(QStringLiteral("..."));
   auto* capa = new QHBoxLayout(celda);
   capa->setContentsMargins(0, 0, 0, 0);
   capa->setSpacing(0);
   capa->addWidget(rutaWinsuite_);
-  capa->addWidget(puntos);
+  capa->addWidget(buscaWinsuite_);
   CONFI_->setCellWidget(FILARUTA, 1, celda);
-  connect(puntos, &QToolButton::clicked, this, &config::buscaWinsuite);
+  connect(buscaWinsuite_, &QToolButton::clicked, this, &config::buscaWinsuite);
+  // The arrows reach the route's box as they reach the other rows, whose cells open
+  // for editing as they become current (and so take the focus back from the box).
+  connect(CONFI_, &QTableWidget::currentCellChanged, this, [this](int fila) {
+    QWidget* foco = QApplication::focusWidget();
+    if (fila == FILARUTA && (foco == CONFI_ || CONFI_->isAncestorOf(foco))) rutaWinsuite_->setFocus();
+  });
+  CONFI_->setCurrentCell(0, 1);
 
   for (const std::string& nombre : listaCombo1(programa_)) Combo1_->addItem(aQString(nombre));
   Combo1_->setCurrentIndex(0);

@@ -1,7 +1,8 @@
 // The configuration dialog "Propiedades de VALDOR+": the grid CONFI of the exchange
 // settings on the tab "General", and the company combo. "Aceptar" (and Enter) saves what
 // the grid shows; "Cancelar", Escape and the window's close leave the settings as they
-// were.
+// were. While a cell is edited, Enter takes the cell's value and Escape drops it: the
+// dialog stays.
 #pragma once
 
 #include <QDialog>
@@ -13,6 +14,7 @@
 class QComboBox;
 class QLineEdit;
 class QTableWidget;
+class QToolButton;
 
 namespace valdor {
 class Programa;
@@ -42,6 +44,7 @@ class config : public QDialog {
   QComboBox* Combo1_ = nullptr;
   QTableWidget* CONFI_ = nullptr;
   QLineEdit* rutaWinsuite_ = nullptr;  // the value cell of row 4, beside its "..." button
+  QToolButton* buscaWinsuite_ = nullptr;
 };
 
 }  // namespace valdor::formularios

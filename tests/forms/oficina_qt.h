@@ -5,6 +5,7 @@
 
 #include <QtTest>
 #include <QtWidgets>
+#include <algorithm>
 #include <functional>
 #include <memory>
 #include <string>
@@ -81,6 +82,38 @@ template <typename P>
 int ejecuta(int argc, char** argv) {
   P prueba;
   return QTest::qExec(&prueba, argc, argv);
+}
+
+// The keyboard of a window: the Alt letters of its buttons (hidden ones too), its tabs and
+// its labels that lead to a control, upper case and sorted, so that a letter used twice
+// stands twice.
+inline QString letrasAlt(const QWidget* ventana) {
+  QString letras;
+  const auto letra = [&letras](const QString& texto) {
+    if (const qsizetype i = texto.indexOf(QLatin1Char('&')); i >= 0 && i + 1 < texto.size())
+      letras += texto.at(i + 1).toUpper();
+  };
+  for (const QAbstractButton* b : ventana->findChildren<QAbstractButton*>()) letra(b->text());
+  for (const QTabBar* t : ventana->findChildren<QTabBar*>())
+    for (int i = 0; i < t->count(); ++i) letra(t->tabText(i));
+  for (const QLabel* l : ventana->findChildren<QLabel*>())
+    if (l->buddy()) letra(l->text());
+  std::sort(letras.begin(), letras.end());
+  return letras;
+}
+
+// The controls the Tab key visits in the window shown, from `primero` until it comes
+// round again, by object name.
+inline QStringList ordenTab(QWidget* ventana, QWidget* primero) {
+  ventana->activateWindow();
+  if (!QTest::qWaitForWindowActive(ventana)) return {};
+  primero->setFocus();
+  QStringList nombres{primero->objectName()};
+  for (QWidget* w = nullptr; nombres.size() < 20 && w != primero;) {
+    QTest::keyClick(QApplication::focusWidget(), Qt::Key_Tab);
+    if ((w = QApplication::focusWidget()) != primero) nombres << (w ? w->objectName() : QString());
+  }
+  return nombres;
 }
 
 // The main window loaded on the sample office and shown.

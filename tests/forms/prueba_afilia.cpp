@@ -98,6 +98,40 @@ class PruebaAfilia : public QObject {
     QCOMPARE(m.control<QProgressBar>("ProgressBar1")->value(), 100);
   }
 
+  // "&Cancelar" beside the progress, then Escape, while the file is written: the module
+  // stays, no file of the run stands, an older one of that name is left as it was, the
+  // user is told, and "&Salir" with a yes finds nothing written to delete. Idle, the
+  // keyboard has a letter for each control and none twice, and Tab goes top to bottom.
+  void cancelarDuranteLaEscrituraNoDejaFicheroYElTeclado() {
+    Modulo m;
+    const auto carpeta = m.o.carpeta / "wine/drive_c/WINSUITE/VIPTC2/AFI";
+    const std::string anterior = "de un env\xEDo anterior\r\n";
+    std::filesystem::create_directories(carpeta);
+    escribeBytes(carpeta / "F1511260.AFI", anterior);
+    m.abre();
+    QCOMPARE(letrasAlt(m.f.get()), QStringLiteral("CEGNST"));
+    QCOMPARE(ordenTab(m.f.get(), m.control<QTableWidget>("GRID1")),
+             QStringList({"GRID1", "Grid2", "Command2", "Command3", "Command1"}));
+    auto* cancelar = m.control<QPushButton>("cancelarTrabajo");
+    for (const bool escape : {false, true}) {
+      m.o.dialogos.alProgreso = [&m, cancelar, escape](int) {
+        QVERIFY(cancelar->isVisible() && !m.control<QPushButton>("Command1")->isEnabled());
+        escape ? QTest::keyClick(m.f.get(), Qt::Key_Escape) : cancelar->click();
+      };
+      m.o.dialogos.respuestas = {true};  // written with its blank key
+      m.control<QPushButton>("Command2")->click();
+      QVERIFY(m.f->isVisible() && !cancelar->isVisible() && m.control<QPushButton>("Command2")->isEnabled());
+      QCOMPARE(m.o.dialogos.mensajes.back().texto,
+               std::string("Proceso cancelado por el usuario. El fichero no se ha generado."));
+      QCOMPARE(leeBytes(carpeta / "F1511260.AFI"), anterior);
+      QCOMPARE(std::distance(std::filesystem::directory_iterator(carpeta), std::filesystem::directory_iterator()), 1);
+    }
+    QCOMPARE(m.o.dialogos.mensajes.size(), std::size_t{2});
+    m.o.dialogos.respuestas = {true};
+    m.control<QPushButton>("Command1")->click();
+    QVERIFY(m.o.dialogos.mensajes.back().texto.starts_with("No se ha escrito ning\xFAn fichero de afiliaci\xF3n"));
+  }
+
   // The worker record of Peñalara's 00007 gone: the module says so at each opening,
   // and the file leaves him out: T = 2 + 2 * 3 + 6 * 3 + 1 = 27.
   void unPendienteSinFichaSeDiceCadaVezYNoVaEnElFichero() {

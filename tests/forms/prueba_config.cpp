@@ -98,6 +98,40 @@ class PruebaConfiguracion : public QObject {
     QCOMPARE(leeBytes(o.carpetas.trabajo / "EMISOR.TXT"), emisor);
   }
 
+  // A letter for each control and none twice; Tab from top to bottom, the arrows into the
+  // route's box and out; Escape and Enter in a cell's edit for the cell alone, and out
+  // of it for "Cancelar" and "Aceptar".
+  void elTeclado() {
+    Oficina o;
+    Programa p(o.carpetas, o.dialogos, {}, MOMENTO);
+    p.arranca();
+    {
+      config d(p, o.entorno);
+      d.show();
+      QCOMPARE(letrasAlt(&d), QStringLiteral("ACDEG"));
+      auto* rejilla = d.findChild<QTableWidget*>(QStringLiteral("CONFI"));
+      auto* ruta = d.findChild<QLineEdit*>(QStringLiteral("RutaWinsuite"));
+      QCOMPARE(ordenTab(&d, rejilla), QStringList({"CONFI", "RutaWinsuite", "BuscaWinsuite", "Aceptar", "Cancelar",
+                                                   "qt_tabwidget_tabbar", "Combo1"}));
+      rejilla->setCurrentCell(3, 1);
+      QTest::keyClick(QApplication::focusWidget(), Qt::Key_Down);
+      QCOMPARE(QApplication::focusWidget(), ruta);
+      QTest::keyClick(ruta, Qt::Key_Up);
+      QVERIFY(rejilla->currentRow() == 3 && rejilla->isAncestorOf(QApplication::focusWidget()));
+
+      QTest::keyClick(editaFila(d, 1, QStringLiteral("NUEVA")), Qt::Key_Escape);
+      confirma(editaFila(d, 2, QStringLiteral("SLC00001")));
+      QVERIFY(d.isVisible());
+      QCOMPARE(d.valor(1), std::string("20731542"));
+      QTest::keyClick(ruta, Qt::Key_Escape);
+      QVERIFY(!d.isVisible() && leeBytes(o.ajustes()).starts_with("20731542SLC48213"));
+      d.show();
+      QTest::keyClick(ruta, Qt::Key_Return);
+      QVERIFY(!d.isVisible());
+    }
+    QCOMPARE(leeBytes(o.ajustes()).substr(0, 16), std::string("20731542SLC00001"));
+  }
+
   void elAsistenteObligaAConfigurarSinAjustes() {
     Oficina o;
     escribeBytes(o.ajustes(), "");
