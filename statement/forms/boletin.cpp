@@ -173,7 +173,7 @@ VistaBoletin::VistaBoletin(QWidget* padre, Disposicion disposicion)
     g->addWidget(caja(38, IMPORTE, true), 10, 1, der);
     g->addWidget(caja(39, 2, false), 10, 2, der);
     g->addWidget(caja(40, IMPORTE, true), 10, 3, der);
-    g->addWidget(etiqueta(QStringLiteral("Liquido contingencias generales"), b), 11, 0, 1, 3);
+    g->addWidget(etiqueta(QStringLiteral("Líquido contingencias generales"), b), 11, 0, 1, 3);
     g->addWidget(caja(41, IMPORTE, true), 11, 3, der);
     g->setColumnStretch(0, 1);
     contingencias = b;
@@ -228,7 +228,7 @@ VistaBoletin::VistaBoletin(QWidget* padre, Disposicion disposicion)
     g->addWidget(etiqueta(QStringLiteral("Comp. Des. Parc."), b), 4, 0);
     g->addWidget(caja(52, IMPORTE, true), 4, 1, der);
     g->addWidget(caja(53, IMPORTE, true), 4, 3, der);
-    g->addWidget(etiqueta(QStringLiteral("Liquido Otras Cotizaciones"), b, der), 5, 0, 1, 3);
+    g->addWidget(etiqueta(QStringLiteral("Líquido Otras Cotizaciones"), b, der), 5, 0, 1, 3);
     g->addWidget(caja(54, IMPORTE, true), 5, 3, der);
     g->setColumnStretch(0, 1);
     otras = b;
@@ -275,7 +275,7 @@ VistaBoletin::VistaBoletin(QWidget* padre, Disposicion disposicion)
     };
     fila(4, QStringLiteral(" D.Alta    G.Cotiz.  Cl.Contr.  N.Horas"),
          {{{"DiasAlta", &diasAlta_}, {"GrupoCotizacion", &grupo_}, {"ClaseContrato", &contrato_}, {"Horas", &horas_}}});
-    fila(6, QStringLiteral(" Epígraf  Dias IT    D.Mater  Ep.I.T."),
+    fila(6, QStringLiteral(" Epígraf  Días IT    D.Mater  Ep.I.T."),
          {{{"Epigrafe", &epigrafe_}, {"DiasIT", &diasIT_}, {"DiasMaternidad", &diasMaternidad_},
            {"EpigrafeIT", &epigrafeIT_}}});
     g->addWidget(etiqueta(QStringLiteral("Base AT y EP."), b), 8, 0);
