@@ -3,7 +3,6 @@
 // Every statement step handed to the run is recorded with its working table.
 #pragma once
 
-#include <span>
 #include <string>
 #include <utility>
 #include <vector>
@@ -34,11 +33,7 @@ struct Mes {
   Mes() {
     fs::create_directories(carpetas.programa);
     fs::create_directories(carpetas.trabajo);
-    const std::pair<const char*, std::span<const DefTabla>> maestros[] = {
-        {"CONVENIO.MDB", esquemas::tablasCONVENIO()}, {"EMPRESAS.MDB", esquemas::tablasEMPRESAS()},
-        {"PRODUCTO.MDB", esquemas::tablasPRODUCTO()}, {"CONSTANT.MDB", esquemas::tablasCONSTANT()},
-        {"BONIFICA.MDB", esquemas::tablasBONIFICA()}, {"DESEMPLEO.MDB", esquemas::tablasDESEMPLEO()}};
-    for (const auto& [nombre, tablas] : maestros) Almacen::crea(carpetas.programa / nombre, tablas);
+    creaMaestros(carpetas.programa);
     programa.arranca();
     Almacenes& a = programa.almacenes;
     a.MESPERIODO = "10";

@@ -8,7 +8,6 @@
 #include "afiliacion/afiliacion.h"
 #include "shell/asistente.h"
 #include "shell/programa.h"
-#include "stores/esquemas.h"
 #include "stores/ficheros.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
@@ -184,12 +183,7 @@ TEST(RepartoAfi, LosNombresDeLosFicherosSiguientesCuentanHaciaArriba) {
 
 struct Modulo : pruebas::TrabajoDePrueba {
   Modulo() {
-    Almacen::crea(carpetas.programa / "EMPRESAS.MDB", esquemas::tablasEMPRESAS());
-    Almacen::crea(carpetas.programa / "PRODUCTO.MDB", esquemas::tablasPRODUCTO());
-    Almacen::crea(carpetas.programa / "CONSTANT.MDB", esquemas::tablasCONSTANT());
-    Almacen::crea(carpetas.programa / "CONVENIO.MDB", esquemas::tablasCONVENIO());
-    Almacen::crea(carpetas.programa / "BONIFICA.MDB", esquemas::tablasBONIFICA());
-    Almacen::crea(carpetas.programa / "DESEMPLEO.MDB", esquemas::tablasDESEMPLEO());
+    pruebas::creaMaestros(carpetas.programa);
     empresas.abre(carpetas.programa / "EMPRESAS.MDB");
     productos.abre(carpetas.programa / "PRODUCTO.MDB");
     FicheroAjustes f(carpetas.trabajo);

@@ -49,14 +49,9 @@ struct Personas {
 
 // The kind of store error `f` throws; none when it throws nothing.
 template <typename F>
-std::optional<ErrorAlmacen::Tipo> errorDe(F f, std::string* mensaje = nullptr) {
-  try {
-    f();
-  } catch (const ErrorAlmacen& e) {
-    if (mensaje) *mensaje = e.what();
-    return e.tipo();
-  }
-  return std::nullopt;
+std::optional<ErrorAlmacen::Tipo> errorDe(F f) {
+  const auto e = pruebas::lanzado<ErrorAlmacen>(f);
+  return e ? std::optional(e->tipo()) : std::nullopt;
 }
 
 // A raw connection of another user of the same file, which knows the collation as
@@ -104,9 +99,10 @@ TEST(Almacen, UnFicheroRotoSeNombraYSeDejaIgualYUnoBloqueadoSeInformaComoBloqueo
   escribeBytes(ruta, basura);
 
   Almacen a;
-  std::string mensaje;
-  EXPECT_EQ(errorDe([&] { a.abre(ruta); }, &mensaje), ErrorAlmacen::Tipo::Danado);
-  EXPECT_NE(mensaje.find("ROTO.MDB"), std::string::npos);
+  const auto roto = pruebas::lanzado<ErrorAlmacen>([&] { a.abre(ruta); });
+  ASSERT_TRUE(roto);
+  EXPECT_EQ(roto->tipo(), ErrorAlmacen::Tipo::Danado);
+  EXPECT_NE(std::string(roto->what()).find("ROTO.MDB"), std::string::npos);
   EXPECT_FALSE(a.abierto());
   const std::array<DefTabla, 1> tablas{PERSONAS};
   EXPECT_FALSE(Almacen::crea(ruta, tablas));

@@ -90,12 +90,8 @@ TEST(Arranque, CadaEjecucionTieneSuTemporalVacioYNoLoComparte) {
 
   DialogosGrabador otros;
   Programa segundo(o.carpetas, otros, Separadores{}, MOMENTO);
-  try {
-    segundo.arranca();
-    ADD_FAILURE() << "la segunda ejecución arrancó en la misma carpeta";
-  } catch (const CarpetaOcupada& e) {
-    EXPECT_NE(std::string(e.what()).find("Otra ejecuci\xF3n de VALDOR+"), std::string::npos);
-  }
+  EXPECT_NE(pruebas::mensajeDe<CarpetaOcupada>([&] { segundo.arranca(); }).find("Otra ejecuci\xF3n de VALDOR+"),
+            std::string::npos);
   EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 1);  // the first run's row is still there
   p.termina();
   EXPECT_FALSE(std::filesystem::exists(ruta));

@@ -210,14 +210,7 @@ TEST(Editor, ElLectorCruzaLosBloquesYCortaLasLineasLargas) {
   EXPECT_EQ(leeLineas(f).at(1), segunda);
 
   // A file that is missing or a folder: a message that says which, naming it.
-  auto mensaje = [](const fs::path& ruta) -> std::string {
-    try {
-      LectorLineas l(ruta);
-      return "abierto";
-    } catch (const ErrorFichero& e) {
-      return e.what();
-    }
-  };
+  auto mensaje = [](const fs::path& ruta) { return pruebas::mensajeDe<ErrorFichero>([&] { LectorLineas l(ruta); }); };
   EXPECT_EQ(mensaje(c / "NOESTA.FAN"), "No existe el fichero \"" + (c / "NOESTA.FAN").string() + "\".");
   EXPECT_EQ(mensaje(c.ruta()), "\"" + c.ruta().string() + "\" es una carpeta, no un fichero.");
   EXPECT_TRUE(leeLineas(c.ruta()).empty());

@@ -208,8 +208,10 @@ TEST_F(Fallos, UnAlmacenDanadoOSinUnaColumnaSeNombraYNoDejaFichero) {
     SCOPED_TRACE(que);
     pruebas::escribeBytes(mes, bytes);
     ponViejo("DANADO");
-    sinFichero(fan("DANADO"), "DANADO", mensaje);
+    const Resultado r = fan("DANADO");
+    sinFichero(r, "DANADO", mensaje);
     EXPECT_EQ(pruebas::leeBytes(mes), bytes) << "el almacén dañado ha cambiado";
+    return r;
   };
   caso(sano.substr(0, sano.size() / 2), "PX202610.MDB\" no es una base de datos v\xC3\xA1lida", "cortado a la mitad");
   // Every page past the first ones turned to garbage: the catalogue still answers, the
@@ -226,8 +228,7 @@ TEST_F(Fallos, UnAlmacenDanadoOSinUnaColumnaSeNombraYNoDejaFichero) {
   ASSERT_EQ(sqlite3_exec(db, "ALTER TABLE NOMIN DROP COLUMN BB8", nullptr, nullptr, nullptr), SQLITE_OK)
       << sqlite3_errmsg(db);
   sqlite3_close(db);
-  caso(pruebas::leeBytes(mes), "A la tabla NOMIN de", "sin la columna BB8");
-  const Resultado r = fan("DANADO");
+  const Resultado r = caso(pruebas::leeBytes(mes), "A la tabla NOMIN de", "sin la columna BB8");
   EXPECT_NE(r.errores.find("le faltan columnas que VALDOR+ lee: BB8"), std::string::npos) << r.errores;
 }
 
@@ -266,8 +267,9 @@ TEST_F(Fallos, LosValoresQueRompenUnaLineaNoLleganAlFichero) {
     ASSERT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(db);
     ponViejo("IMPORTE");
-    sinFichero(fan("IMPORTE"), "IMPORTE", ", trabajador 00001 (");
-    EXPECT_NE(fan("IMPORTE").errores.find("no cabe en su campo de 7 cifras"), std::string::npos);
+    const Resultado importe = fan("IMPORTE");
+    sinFichero(importe, "IMPORTE", ", trabajador 00001 (");
+    EXPECT_NE(importe.errores.find("no cabe en su campo de 7 cifras"), std::string::npos) << importe.errores;
   }
 }
 

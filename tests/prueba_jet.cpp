@@ -151,14 +151,11 @@ TEST(Jet, NuncaSeEscribeUnByteEnElFichero) {
   {
     Almacen a;
     a.abre(ruta);
+    // Every refusal names the file.
     auto tipoDe = [](auto&& hacer) {
-      try {
-        hacer();
-      } catch (const ErrorAlmacen& e) {
-        EXPECT_NE(std::string(e.what()).find("ACUVALDOR.MDB"), std::string::npos) << e.what();
-        return e.tipo();
-      }
-      return ErrorAlmacen::Tipo::Otro;
+      const auto e = pruebas::lanzado<ErrorAlmacen>(hacer);
+      EXPECT_NE(std::string(e ? e->what() : "").find("ACUVALDOR.MDB"), std::string::npos);
+      return e ? e->tipo() : ErrorAlmacen::Tipo::Otro;
     };
     EXPECT_EQ(tipoDe([&] { a.ejecuta("DELETE FROM VALDORTA"); }), ErrorAlmacen::Tipo::SoloLectura);
     Tabla t;
@@ -209,13 +206,10 @@ TEST(Jet, UnFicheroQueCambiaMientrasSeLeeSeVuelveALeerYSiNoParaSeDaPorOcupado) {
   lecturas = 0;
   a.cierra();
   fs::last_write_time(ruta, fs::last_write_time(ruta) + std::chrono::seconds(1));
-  try {
-    a.abre(ruta, opciones);
-    ADD_FAILURE() << "un fichero que no para de cambiar se ha leído";
-  } catch (const ErrorAlmacen& e) {
-    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Bloqueo);
-    EXPECT_NE(std::string(e.what()).find("EMPRESAS.MDB"), std::string::npos);
-  }
+  const auto e = pruebas::lanzado<ErrorAlmacen>([&] { a.abre(ruta, opciones); });
+  ASSERT_TRUE(e) << "un fichero que no para de cambiar se ha leído";
+  EXPECT_EQ(e->tipo(), ErrorAlmacen::Tipo::Bloqueo);
+  EXPECT_NE(std::string(e->what()).find("EMPRESAS.MDB"), std::string::npos);
   EXPECT_EQ(lecturas, opciones.jet.intentos);
 }
 
@@ -253,14 +247,11 @@ TEST(Jet, UnaCabeceraJetSobreBasuraDaElMensajeDeUnAlmacenDanado) {
   const std::string bytes = cabecera + std::string(8 * 4096, '\x5A');
   pruebas::escribeBytes(ruta, bytes);
   Almacen a;
-  try {
-    a.abre(ruta);
-    ADD_FAILURE() << "se ha abierto un fichero dañado";
-  } catch (const ErrorAlmacen& e) {
-    EXPECT_EQ(e.tipo(), ErrorAlmacen::Tipo::Danado);
-    EXPECT_NE(std::string(e.what()).find("CONSTANT.MDB\" no es una base de datos v\xE1lida"), std::string::npos)
-        << e.what();
-  }
+  const auto e = pruebas::lanzado<ErrorAlmacen>([&] { a.abre(ruta); });
+  ASSERT_TRUE(e) << "se ha abierto un fichero dañado";
+  EXPECT_EQ(e->tipo(), ErrorAlmacen::Tipo::Danado);
+  EXPECT_NE(std::string(e->what()).find("CONSTANT.MDB\" no es una base de datos v\xE1lida"), std::string::npos)
+      << e->what();
   EXPECT_FALSE(a.abierto());
   EXPECT_EQ(pruebas::leeBytes(ruta), bytes);
 }

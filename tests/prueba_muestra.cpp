@@ -48,11 +48,8 @@ bool cuentaValida(const std::string& a1) {
 }
 
 // The message of the refusal to write the office; "sin error" when it is written.
-std::string errorDe(const Carpetas& c, const OpcionesMuestra& o) try {
-  escribeOficinaMuestra(c, o);
-  return "sin error";
-} catch (const ErrorMuestra& e) {
-  return e.what();
+std::string errorDe(const Carpetas& c, const OpcionesMuestra& o) {
+  return pruebas::mensajeDe<ErrorMuestra>([&] { escribeOficinaMuestra(c, o); });
 }
 
 class Muestra : public ::testing::Test {

@@ -12,13 +12,12 @@
 #include "statement/pagina.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
-#include "tests/apoyo.h"
+#include "tests/cli_prueba.h"
 
 namespace valdor {
 namespace {
 
 namespace fs = std::filesystem;
-using pruebas::CarpetaTemporal;
 using pruebas::valdor;
 
 TEST(Pagina, ElDesplazamientoDelAvanceDelImpreso) {
@@ -71,14 +70,11 @@ void sinMargen(std::vector<std::string>& lineas) {
   for (std::string& l : lineas) l.erase(0, std::min(margen, l.size()));
 }
 
-TEST(Pagina, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
+using PaginaMuestra = pruebas::CliMuestra;
+
+TEST_F(PaginaMuestra, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
   if (std::system("command -v pdftotext >/dev/null 2>&1") != 0)
     GTEST_SKIP() << "Falta pdftotext (paquete poppler-utils): no se puede leer el texto del PDF.";
-  CarpetaTemporal c;
-  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
-  unsetenv("VALDOR_IMPRESORA");
-  unsetenv("VALDOR_DESPLAZAMIENTO");
-  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
   // The bakery: a sole trader's name with accents and an Ñ, sent by R.E.D., every block
   // of the statement with figures.
   const std::vector<std::string> orden{"imprimir", "--mes", "10", "--ano", "2026", "--empresa", "41123409876", "--red"};

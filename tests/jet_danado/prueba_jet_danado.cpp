@@ -357,17 +357,6 @@ TEST(JetDanado, LosInformesDeUnLectorLleganALaCarpeta) {
   EXPECT_NE(informeDeUnHijo(desbordaEntero).find("runtime error: signed integer overflow"), std::string::npos);
 }
 
-TEST(JetDanado, LosFicherosDeLaOficinaSeLeenEnteros) {
-  Carpeta c;
-  for (const fs::path& original : ficherosJet()) {
-    const fs::path copia = c.ruta() / original.filename();
-    fs::copy_file(original, copia);
-    Almacen a;
-    ASSERT_NO_THROW(a.abre(copia, opciones())) << original;
-    EXPECT_NE(leeEntero(a).find("="), std::string::npos) << original << ": sin valores";
-  }
-}
-
 TEST(JetDanado, CadaCopiaDanadaDaElMensajeOSeLeeEnteraSinColgarseNiCambiar) {
   Carpeta c;
   ::signal(SIGALRM, plazoAgotado);
@@ -384,6 +373,7 @@ TEST(JetDanado, CadaCopiaDanadaDaElMensajeOSeLeeEnteraSinColgarseNiCambiar) {
       a.abre(copia, opciones());
       contenido = leeEntero(a);
     }
+    ASSERT_NE(contenido.find("="), std::string::npos) << original << ": el original se lee sin valores";
     Danos danos(original.filename().string(), bytes);
     for (const Dano& d : danos.lista()) {
       const std::string caso = original.filename().string() + ", " + d.descripcion;
@@ -442,10 +432,6 @@ TEST(JetDanado, CadaCopiaDanadaDaElMensajeOSeLeeEnteraSinColgarseNiCambiar) {
             << silenciosos << " lectores detenidos por silencio; el caso más lento, "
             << segundos(masLento).count() << " s; en total, "
             << segundos(std::chrono::steady_clock::now() - inicioPrueba).count() << " s)" << std::endl;
-  RecordProperty("probados", static_cast<int>(probados));
-  RecordProperty("conMensaje", static_cast<int>(conMensaje));
-  RecordProperty("leidos", static_cast<int>(leidos));
-  RecordProperty("colgados", static_cast<int>(colgados));
   EXPECT_EQ(probados, conMensaje + leidos);
   EXPECT_GT(conMensaje, 0u);
   EXPECT_GT(leidos, 0u);
