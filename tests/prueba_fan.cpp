@@ -304,22 +304,6 @@ TEST(FicheroFAN, SinRutaOSinCarpetaNoQuedaFicheroYSeDiceElPorQue) {
   EXPECT_NE(x.dialogos.mensajes.back().texto.find("PRUEBA01.FAN"), std::string::npos);
 }
 
-TEST(FicheroFAN, UnFicheroSinConfirmarNoDejaNadaConSuNombre) {
-  CarpetaTemporal c;
-  {
-    FicheroRegistros f(c / "sub" / "X.FAN");
-    f.imprime("ETI");
-    EXPECT_EQ(f.longitud(), 5u);
-  }
-  EXPECT_TRUE(fs::is_empty(c / "sub"));
-  {
-    FicheroRegistros f(c / "sub" / "X.FAN");
-    f.imprime("ETI");
-    f.confirma();
-  }
-  EXPECT_EQ(pruebas::leeBytes(c / "sub" / "X.FAN"), "ETI\r\n");
-}
-
 // ---- The selection -----------------------------------------------------------------------------
 
 TEST(Seleccion, LosValoresPorDefectoYLasMarcas) {

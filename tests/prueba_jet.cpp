@@ -7,8 +7,6 @@
 
 #include <set>
 
-#include "afiliacion/afiliacion.h"
-#include "shell/programa.h"
 #include "stores/catalogo.h"
 #include "stores/jet.h"
 #include "stores/texto.h"
@@ -299,18 +297,6 @@ TEST(OficinaJet, NoSeCreaNingunAlmacenJuntoALosDelProgramaDeNominasSalvoElTempor
   EXPECT_EQ(motorDe(o.carpetas.trabajo / "TEMPORAL VALDOR.MDB"), Motor::SQLite);
   EXPECT_TRUE(a.ABRETEMPORAL());
   EXPECT_FALSE(a.temporal.soloLectura());
-}
-
-TEST(OficinaJet, LaListaDePendientesDelProgramaDeNominasNoSeVacia) {
-  OficinaJet o;
-  const fs::path acu = o.carpetas.trabajo / "ACUVALDOR.MDB";
-  const std::string antes = pruebas::leeBytes(acu);
-  Programa programa{o.carpetas, o.dialogos, Separadores{}, Momento{2026, 11, 15, 7, 30, 0}};
-  BORRAMETODOSREG(programa);
-  ASSERT_EQ(o.dialogos.mensajes.size(), 1u);
-  EXPECT_EQ(o.dialogos.mensajes[0].titulo, tituloPendientes());
-  EXPECT_EQ(o.dialogos.mensajes[0].texto, textoPendientesDelProgramaDeNominas());
-  EXPECT_EQ(pruebas::leeBytes(acu), antes);
 }
 
 }  // namespace
