@@ -5,11 +5,7 @@
 #include <atomic>
 #include <fstream>
 #include <iterator>
-#include <span>
 #include <system_error>
-
-#include "stores/almacen.h"
-#include "stores/esquemas.h"
 
 namespace valdor::pruebas {
 
@@ -29,14 +25,6 @@ CarpetaTemporal::~CarpetaTemporal() {
 void creaCarpetas(const CarpetaTemporal& c) {
   std::filesystem::create_directories(c / "programa");
   std::filesystem::create_directories(c / "trabajo");
-}
-
-void creaMaestros(const std::filesystem::path& programa) {
-  const std::pair<const char*, std::span<const DefTabla>> maestros[] = {
-      {"CONVENIO.MDB", esquemas::tablasCONVENIO()}, {"EMPRESAS.MDB", esquemas::tablasEMPRESAS()},
-      {"PRODUCTO.MDB", esquemas::tablasPRODUCTO()}, {"CONSTANT.MDB", esquemas::tablasCONSTANT()},
-      {"BONIFICA.MDB", esquemas::tablasBONIFICA()}, {"DESEMPLEO.MDB", esquemas::tablasDESEMPLEO()}};
-  for (const auto& [nombre, tablas] : maestros) Almacen::crea(programa / nombre, tablas);
 }
 
 std::string leeBytes(const std::filesystem::path& ruta) {

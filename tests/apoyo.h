@@ -30,8 +30,6 @@ class CarpetaTemporal {
 
 // The program and work folders "programa" and "trabajo" made in `c`.
 void creaCarpetas(const CarpetaTemporal& c);
-// The six master stores of the program folder `programa`, made empty.
-void creaMaestros(const std::filesystem::path& programa);
 
 // The whole content of a file as bytes ("" when missing), and a file written whole.
 std::string leeBytes(const std::filesystem::path& ruta);

@@ -12,6 +12,7 @@
 #include "shell/programa.h"
 #include "stores/esquemas.h"
 #include "tests/apoyo.h"
+#include "tests/trabajo_prueba.h"
 
 namespace valdor::pruebas {
 
