@@ -6,7 +6,6 @@
 
 #include "stores/almacen.h"
 #include "stores/colacion.h"
-#include "stores/esquemas.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
 
@@ -325,15 +324,6 @@ TEST(Almacen, UnaTablaSinAbrirSeLeeVaciaYNoAdmiteEscrituras) {
   p.a.cierra();
   EXPECT_FALSE(p.t.busca("=", {"1"}));
   EXPECT_THROW(p.t.nuevo(), ErrorAlmacen);
-}
-
-// The unique index of the month's payroll compares its keys in the Spanish order.
-TEST(Almacen, LosIndicesDeLasTablasCreadasComparanEnOrdenEspanol) {
-  const auto sql = sqlDeCreacion(esquemas::NOMIN());
-  ASSERT_EQ(sql.size(), 5u);
-  EXPECT_EQ(sql[4],
-            "CREATE UNIQUE INDEX \"MEEP\" ON \"NOMIN\" (\"BSSE\" COLLATE ESPANOL, \"BEPIG\" COLLATE ESPANOL, "
-            "\"BCEN\" COLLATE ESPANOL, \"BMATRI\" COLLATE ESPANOL)");
 }
 
 }  // namespace

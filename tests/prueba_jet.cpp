@@ -238,22 +238,6 @@ TEST(Jet, LaCopiaSirveMientrasElFicheroNoCambia) {
   EXPECT_EQ(lecturas, 2);
 }
 
-TEST(Jet, UnaCabeceraJetSobreBasuraDaElMensajeDeUnAlmacenDanado) {
-  CarpetaTemporal c;
-  const fs::path ruta = c / "CONSTANT.MDB";
-  const std::string cabecera = pruebas::leeBytes(DATOS / "oficina-jet/programa/CONSTANT.MDB").substr(0, 4096);
-  const std::string bytes = cabecera + std::string(8 * 4096, '\x5A');
-  pruebas::escribeBytes(ruta, bytes);
-  Almacen a;
-  const auto e = pruebas::lanzado<ErrorAlmacen>([&] { a.abre(ruta); });
-  ASSERT_TRUE(e) << "se ha abierto un fichero dañado";
-  EXPECT_EQ(e->tipo(), ErrorAlmacen::Tipo::Danado);
-  EXPECT_NE(std::string(e->what()).find("CONSTANT.MDB\" no es una base de datos v\xE1lida"), std::string::npos)
-      << e->what();
-  EXPECT_FALSE(a.abierto());
-  EXPECT_EQ(pruebas::leeBytes(ruta), bytes);
-}
-
 // ---- An office of Jet files -----------------------------------------------------------
 
 struct OficinaJet {
