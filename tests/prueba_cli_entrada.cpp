@@ -141,7 +141,7 @@ std::string pistaDe(const std::string& orden) {
   return ::testing::AssertionSuccess();
 }
 
-TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyuda) {
+TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyudaYLaFechaHaDeExistir) {
   CarpetaTemporal c;
   creaCarpetas(c);
   EXPECT_TRUE(llamadaMal(valdor(c, {""}), PISTAGENERAL, "La orden está vacía."));
@@ -180,11 +180,8 @@ TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyuda) {
   // Nothing of that was saved.
   EXPECT_FALSE(fs::exists(c / "trabajo" / "VALDOR.MDB"));
   EXPECT_FALSE(fs::exists(c / "trabajo" / "EMISOR.TXT"));
-}
 
-TEST(CliEntrada, LasOpcionesConIgualValenComoSeparadasYLaFechaHaDeExistir) {
-  CarpetaTemporal c;
-  creaCarpetas(c);
+  // Options with "=" are as good as separated ones; a date has to exist.
   auto r = valdor(c, {"--programa=" + (c / "programa").string(), "--trabajo=" + (c / "trabajo").string(),
                       "--ahora=2026-11-15 07:30", "ajustes", "--emisor=Gestoría Núñez",
                       "--fecha-autorizacion=29/02/2028"},
@@ -260,7 +257,7 @@ TEST_F(CliOficina, UnNombreQueNoEsDeLaCarpetaDeIntercambioNoEscribeNada) {
   EXPECT_EQ(lineas[0].substr(52, 16), "NS2609A000120007");
 }
 
-TEST_F(CliOficina, LasEmpresasYElEnvioSustituidoSeCompruebanParteAParte) {
+TEST_F(CliOficina, LasEmpresasElEnvioSustituidoYLaLongitudDeLasLineasSeCompruebanAntesDeEscribir) {
   const auto antes = ficheros();
   const std::string fanPista = pistaDe("fan");
   for (const char* empresas : {",,,", ",", "50104532166,", ",50104532166", "50104532166,,41123409876", "123",
@@ -285,9 +282,7 @@ TEST_F(CliOficina, LasEmpresasYElEnvioSustituidoSeCompruebanParteAParte) {
   // "sustitución" with its accent is the same mode.
   EXPECT_EQ(fan({"--modo", "sustitución", "--nombre", "acento"}).estado, 0);
   EXPECT_EQ(pruebas::registros(carpetaFan() / "ACENTO00.FAN").at(0).substr(53, 1), "S");
-}
 
-TEST_F(CliOficina, UnaLineaQuePasaDe70NoDejaFicheroYSeNombra) {
   // A document of 18 characters makes the worker's TRA line 74 long: no file, and the
   // message names the line's kind, the worker and the company.
   Almacen mes;
@@ -296,11 +291,12 @@ TEST_F(CliOficina, UnaLineaQuePasaDe70NoDejaFicheroYSeNombra) {
                         "BMATRI = '00001'"),
             1);
   mes.cierra();
-  const Resultado r = fan({"--nombre", "largo"});
-  EXPECT_EQ(r.estado, 1) << r.errores;
-  EXPECT_NE(r.errores.find("TRA del trabajador 00001 de la empresa 28107654331 mide 74 caracteres"), std::string::npos)
-      << r.errores;
-  EXPECT_FALSE(std::filesystem::exists(carpetaFan() / "LARGO000.FAN"));
+  const Resultado largo = fan({"--nombre", "largo"});
+  EXPECT_EQ(largo.estado, 1) << largo.errores;
+  EXPECT_NE(largo.errores.find("TRA del trabajador 00001 de la empresa 28107654331 mide 74 caracteres"),
+            std::string::npos)
+      << largo.errores;
+  EXPECT_FALSE(fs::exists(carpetaFan() / "LARGO000.FAN"));
 }
 
 TEST_F(CliOficina, ElBoletinSoloSaleAUnaImpresoraConocidaOAUnFicheroDeTrabajo) {
