@@ -1,5 +1,6 @@
-// The command line on the sample office of October 2026, written by valdor-cli at
-// 15/11/2026 07:30 in a temporary folder that holds the transmission tool's drive too.
+// The command line's tests: the check that an output holds a text, and the sample office
+// of October 2026, written by valdor-cli at 15/11/2026 07:30 in a temporary folder that
+// holds the transmission tool's drive too.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -8,6 +9,7 @@
 #include <cstdlib>
 #include <filesystem>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "tests/apoyo.h"
@@ -15,6 +17,12 @@
 namespace valdor::pruebas {
 
 inline const std::string AHORA = "2026-11-15 07:30";
+
+// Whether `texto` (an output of a run) holds `trozo`; a failure shows the whole text.
+inline ::testing::AssertionResult contiene(std::string_view texto, std::string_view trozo) {
+  if (texto.find(trozo) != std::string_view::npos) return ::testing::AssertionSuccess();
+  return ::testing::AssertionFailure() << "falta \"" << trozo << "\" en:\n" << texto;
+}
 
 class CliMuestra : public ::testing::Test {
  protected:

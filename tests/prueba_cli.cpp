@@ -19,6 +19,7 @@ namespace {
 namespace fs = std::filesystem;
 using pruebas::CarpetaTemporal;
 using pruebas::CliMuestra;
+using pruebas::contiene;
 using pruebas::leeBytes;
 using pruebas::registros;
 using pruebas::valdor;
@@ -28,33 +29,33 @@ TEST(Cli, AjustesGuardaElRegistroDe176BytesYRechazaLoQueElDialogoNoDejariaEscrib
   pruebas::creaCarpetas(c);
   auto r = valdor(c, {"ajustes"});
   ASSERT_EQ(r.estado, 0) << r.errores;
-  EXPECT_NE(r.salida.find("Clave de autorización: \n"), std::string::npos) << r.salida;
-  EXPECT_NE(r.salida.find("Ruta de Winsuite: \n"), std::string::npos);
+  EXPECT_TRUE(contiene(r.salida, "Clave de autorización: \n"));
+  EXPECT_TRUE(contiene(r.salida, "Ruta de Winsuite: \n"));
   EXPECT_EQ(fs::file_size(c / "trabajo" / "VALDOR.MDB"), 0u);
 
   r = valdor(c, {"ajustes", "--clave-autorizacion", "123", "--ruta-winsuite", "C:\\WINSUITE\\WINSUITE.EXE"});
   ASSERT_EQ(r.estado, 0) << r.errores;
   const std::string bytes = leeBytes(c / "trabajo" / "VALDOR.MDB");
   EXPECT_EQ(bytes, "123     " + std::string(8, ' ') + "C:\\WINSUITE\\WINSUITE.EXE" + std::string(126 + 10, ' '));
-  EXPECT_NE(r.salida.find("Ruta de Winsuite: C:\\WINSUITE\\WINSUITE.EXE\n"), std::string::npos);
+  EXPECT_TRUE(contiene(r.salida, "Ruta de Winsuite: C:\\WINSUITE\\WINSUITE.EXE\n"));
 
   // The sender's name is kept beside the record, in Windows-1252, and shown again.
   r = valdor(c, {"ajustes", "--emisor", "Gestoría Núñez"});
   ASSERT_EQ(r.estado, 0) << r.errores;
   EXPECT_EQ(leeBytes(c / "trabajo" / "EMISOR.TXT"), "Gestor\xED" "a N\xFA\xF1" "ez\n");
-  EXPECT_NE(r.salida.find("Emisor de Intercambio: Gestoría Núñez\n"), std::string::npos);
+  EXPECT_TRUE(contiene(r.salida, "Emisor de Intercambio: Gestoría Núñez\n"));
 
   // A key longer than the dialog's box, or of letters Windows-1252 lacks: refused.
   r = valdor(c, {"ajustes", "--clave-autorizacion", "123456789"});
   EXPECT_EQ(r.estado, 2);
-  EXPECT_NE(r.errores.find("8 caracteres"), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "8 caracteres"));
   EXPECT_EQ(valdor(c, {"ajustes", "--clave-silcon", "日本"}).estado, 2);
   EXPECT_EQ(leeBytes(c / "trabajo" / "VALDOR.MDB"), bytes);
 
   // A work folder that is missing is a failed job that names it.
   r = valdor(c, {"--trabajo", (c / "no-existe").string(), "ajustes"}, false);
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("no-existe"), std::string::npos);
+  EXPECT_TRUE(contiene(r.errores, "no-existe"));
 }
 
 TEST(Cli, LasCarpetasRelativasSeTomanDesdeDondeSeLlama) {
@@ -124,30 +125,28 @@ TEST_F(CliMuestra, FanEscribeElFicheroDeLaMuestraYRevisarLoCompruebaYaLoDanado) 
   // of its workers' lines...
   r = valdor(c, {"revisar", fichero.string()});
   EXPECT_EQ(r.estado, 0) << r.salida << r.errores;
-  EXPECT_NE(r.salida.find("cuadran con el fichero: 4 empresas"), std::string::npos) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "cuadran con el fichero: 4 empresas"));
   // ...a line added by hand is marked, with the trailer that no longer tallies...
   pruebas::escribeBytes(c / "roto.FAN", leeBytes(fichero) + "TRAcorta\r\n");
   r = valdor(c, {"revisar", (c / "roto.FAN").string()});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.salida.find("tiene 8 caracteres y debe tener 70."), std::string::npos) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "tiene 8 caracteres y debe tener 70."));
   // ...and a line whose end is a LF alone is marked with its number.
   std::string bytes = leeBytes(fichero);
   bytes.erase(70, 1);  // the CR that ends the first line
   pruebas::escribeBytes(c / "lf.FAN", bytes);
   r = valdor(c, {"revisar", (c / "lf.FAN").string()});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.salida.find("nea 1: termina en LF y no en CR LF."), std::string::npos) << r.salida;
-  EXPECT_NE(r.salida.find("cuadran con el fichero"), std::string::npos) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "nea 1: termina en LF y no en CR LF."));
+  EXPECT_TRUE(contiene(r.salida, "cuadran con el fichero"));
   // A file that is missing, a folder, and a call without a file: each told for what it is.
   r = valdor(c, {"revisar", (c / "no-esta.FAN").string()});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("No existe el fichero \"" + (c / "no-esta.FAN").string() + "\"."), std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "No existe el fichero \"" + (c / "no-esta.FAN").string() + "\"."));
   fs::create_directory(c / "carpeta.FAN");
   r = valdor(c, {"revisar", (c / "carpeta.FAN").string()});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("\"" + (c / "carpeta.FAN").string() + "\" es una carpeta, no un fichero."), std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "\"" + (c / "carpeta.FAN").string() + "\" es una carpeta, no un fichero."));
   EXPECT_EQ(valdor(c, {"revisar"}).estado, 2);
 }
 
@@ -163,18 +162,16 @@ TEST_F(CliMuestra, UnHallazgoEnElFicheroEscritoSeDiceYConEstrictoNoHayFichero) {
   auto r = fan();
   EXPECT_EQ(r.estado, 0) << r.errores;
   EXPECT_TRUE(fs::exists(carpetaFan() / "F1511260.FAN"));
-  EXPECT_NE(r.errores.find("Hallazgos en los campos de \"" + (carpetaFan() / "F1511260.FAN").string() + "\":"),
-            std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "Hallazgos en los campos de \"" + (carpetaFan() / "F1511260.FAN").string() + "\":"));
   const std::string regla(
       ", posiciones 4-15 (número de afiliación): \"281234567841\" — el dígito de control del número de afiliación es "
       "40 (módulo 97)");  // the command line writes UTF-8
-  EXPECT_NE(r.errores.find(regla), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, regla));
 
   r = fan({"--nombre", "estricto", "--estricto"});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find(regla), std::string::npos) << r.errores;
-  EXPECT_NE(r.errores.find("y con --estricto no se escribe."), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, regla));
+  EXPECT_TRUE(contiene(r.errores, "y con --estricto no se escribe."));
   // Neither the file nor its temporary copy is left: only the first run's file.
   std::vector<fs::path> escritos;
   for (const auto& f : fs::directory_iterator(carpetaFan())) escritos.push_back(f.path().filename());
@@ -194,9 +191,8 @@ TEST_F(CliMuestra, UnFicheroQueYaEstaSoloSeReemplazaConReemplazarYUnArranqueFall
 
   r = fan({"--nombre", "f1511260", "--modo", "pruebas"});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("Ya existe el fichero C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN, de "), std::string::npos)
-      << r.errores;
-  EXPECT_NE(r.errores.find("no se reemplaza. Use --reemplazar"), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "Ya existe el fichero C:\\WINSUITE\\VIPTC2\\FAN\\F1511260.FAN, de "));
+  EXPECT_TRUE(contiene(r.errores, "no se reemplaza. Use --reemplazar"));
   EXPECT_EQ(leeBytes(carpetaFan() / "F1511260.FAN"), primero);
   r = fan({"--nombre", "f1511260", "--modo", "pruebas", "--reemplazar"});
   EXPECT_EQ(r.estado, 0) << r.errores;
@@ -205,16 +201,15 @@ TEST_F(CliMuestra, UnFicheroQueYaEstaSoloSeReemplazaConReemplazarYUnArranqueFall
 
   r = fan({"--empresas", "99999999999", "--nombre", "otro"});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("99999999999"), std::string::npos);
+  EXPECT_TRUE(contiene(r.errores, "99999999999"));
   EXPECT_FALSE(fs::exists(carpetaFan() / "OTRO0000.FAN"));
 
   // The sample's route names a tool that this drive does not have.
   r = fan({"--nombre", "lanza", "--lanzar"});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("No se ha podido arrancar C:\\WINSUITE\\WINSUITE.EXE. Orden ejecutada: wine " +
-                           (c / "wine/drive_c/WINSUITE/WINSUITE.EXE").string() + ". Motivo: no existe el programa"),
-            std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "No se ha podido arrancar C:\\WINSUITE\\WINSUITE.EXE. Orden ejecutada: wine " +
+                                      (c / "wine/drive_c/WINSUITE/WINSUITE.EXE").string() +
+                                      ". Motivo: no existe el programa"));
   EXPECT_TRUE(fs::exists(carpetaFan() / "LANZA000.FAN"));
 }
 
@@ -225,7 +220,7 @@ TEST_F(CliMuestra, AjustesOTiposDanadosParanElFanSinDejarFichero) {
   const std::string ajustesSanos = leeBytes(ajustes), tiposSanos = leeBytes(tipos);
   auto sinFichero = [&](const pruebas::Resultado& r, const std::string& mensaje) {
     EXPECT_EQ(r.estado, 1);
-    EXPECT_NE(r.errores.find(mensaje), std::string::npos) << r.errores;
+    EXPECT_TRUE(contiene(r.errores, mensaje));
     EXPECT_EQ(r.errores.find("RUTA NO V"), std::string::npos) << r.errores;
     EXPECT_FALSE(fs::exists(carpetaFan()) && !fs::is_empty(carpetaFan()));
   };
@@ -289,9 +284,8 @@ TEST_F(CliMuestra, AfiEscribeElFicheroDeLosPendientesYSoloBorraLaTablaSiSeLePide
   const std::string pendientes = leeBytes(c / "trabajo" / "ACUVALDOR.MDB");
   auto r = corre("afi", {"--clave", "K1", "--nueva-clave", "K2"});
   ASSERT_EQ(r.estado, 0) << r.errores;
-  EXPECT_NE(r.errores.find("Empresa 99000000099, trabajador 00001: la empresa no está en el fichero de empresas."),
-            std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(
+      contiene(r.errores, "Empresa 99000000099, trabajador 00001: la empresa no está en el fichero de empresas."));
   EXPECT_TRUE(r.errores.ends_with("C:\\WINSUITE\\VIPTC2\\AFI\\F1511260.AFI: El asistente ha terminado de preparar su "
                                   "fichero .AFI ¿Desea editar el fichero para verificar su sintaxis? [no]\n"))
       << r.errores;
@@ -321,13 +315,12 @@ TEST_F(CliMuestra, AfiEscribeElFicheroDeLosPendientesYSoloBorraLaTablaSiSeLePide
 
   r = valdor(c, {"afi", "--nombre", "segundo", "--borrar-pendientes"});
   ASSERT_EQ(r.estado, 0) << r.errores;
-  EXPECT_NE(r.errores.find("Se han borrado de la lista de pendientes de afiliación 4 trabajadores, los que van en "
-                           "los ficheros escritos. Quedan 1 trabajador pendiente."),
-            std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(contiene(r.errores,
+                       "Se han borrado de la lista de pendientes de afiliación 4 trabajadores, los que van en "
+                       "los ficheros escritos. Quedan 1 trabajador pendiente."));
   r = valdor(c, {"afi", "--nombre", "tercero"});
   EXPECT_EQ(r.estado, 1);  // nothing that can go into a file any more
-  EXPECT_NE(r.errores.find("Ninguno de los trabajadores pendientes"), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "Ninguno de los trabajadores pendientes"));
   EXPECT_FALSE(fs::exists(carpetaAfi() / "TERCERO0.AFI"));
 }
 

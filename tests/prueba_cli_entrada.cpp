@@ -25,6 +25,7 @@ namespace {
 
 namespace fs = std::filesystem;
 using pruebas::CarpetaTemporal;
+using pruebas::contiene;
 using pruebas::Resultado;
 using pruebas::creaCarpetas;
 using pruebas::valdor;
@@ -44,12 +45,11 @@ TEST(NombreIntercambio, SoloNombresLlanosDeHastaOchoLetrasCifrasYGuiones) {
 
   // The refusal says what is wrong and states the rule.
   const std::string barra = nombreIntercambioRechazado("A/B").value_or("");
-  EXPECT_NE(barra.find("«A/B» no es válido: lleva el carácter «/»"_cp), std::string::npos) << barra;
-  EXPECT_NE(barra.find("de 1 a 8 caracteres, solo letras de la A a la Z, cifras, guion (-) o guion bajo (_)"),
-            std::string::npos);
-  EXPECT_NE(nombreIntercambioRechazado("ABCDEFGHI").value_or("").find("tiene 9 caracteres"), std::string::npos);
-  EXPECT_NE(nombreIntercambioRechazado("lpt1").value_or("").find("reserva para un dispositivo"), std::string::npos);
-  EXPECT_NE(nombreIntercambioRechazado("").value_or("").find("en blanco"), std::string::npos);
+  EXPECT_TRUE(contiene(barra, "«A/B» no es válido: lleva el carácter «/»"_cp));
+  EXPECT_TRUE(contiene(barra, "de 1 a 8 caracteres, solo letras de la A a la Z, cifras, guion (-) o guion bajo (_)"));
+  EXPECT_TRUE(contiene(nombreIntercambioRechazado("ABCDEFGHI").value_or(""), "tiene 9 caracteres"));
+  EXPECT_TRUE(contiene(nombreIntercambioRechazado("lpt1").value_or(""), "reserva para un dispositivo"));
+  EXPECT_TRUE(contiene(nombreIntercambioRechazado("").value_or(""), "en blanco"));
 
   // No writer gets a path out of the exchange folder, whoever filled the page.
   PaginaIntercambio p;
@@ -83,8 +83,8 @@ TEST(PuertoImpresora, LasImpresorasConocidasOUnFicheroDeLaCarpetaDeTrabajo) {
     EXPECT_THROW(rutaPuerto(malo, trabajo), ErrorValdor) << malo;
   }
   const std::string rechazo = puertoRechazado("/dev/lp0").value_or("");
-  EXPECT_NE(rechazo.find("«/dev/lp0» no es válido: es una ruta"_cp), std::string::npos) << rechazo;
-  EXPECT_NE(rechazo.find("LPT1, LPT2 o LPT3"), std::string::npos);
+  EXPECT_TRUE(contiene(rechazo, "«/dev/lp0» no es válido: es una ruta"_cp));
+  EXPECT_TRUE(contiene(rechazo, "LPT1, LPT2 o LPT3"));
 }
 
 TEST(PuertoImpresora, UnDispositivoQueFaltaNoSeCreaYUnEnlaceNoSeSigue) {
@@ -187,8 +187,8 @@ TEST(CliEntrada, UnaLlamadaMalHechaDiceSoloQueFallaYDondeEstaLaAyudaYLaFechaHaDe
                       "--fecha-autorizacion=29/02/2028"},
                   false);
   ASSERT_EQ(r.estado, 0) << r.errores;
-  EXPECT_NE(r.salida.find("Emisor de Intercambio: Gestoría Núñez\n"), std::string::npos) << r.salida;
-  EXPECT_NE(r.salida.find("Fecha de autorización: 29/02/2028\n"), std::string::npos) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "Emisor de Intercambio: Gestoría Núñez\n"));
+  EXPECT_TRUE(contiene(r.salida, "Fecha de autorización: 29/02/2028\n"));
   const std::string guardado = pruebas::leeBytes(c / "trabajo" / "VALDOR.MDB");
 
   EXPECT_TRUE(llamadaMal(valdor(c, {"ajustes", "--fecha-autorizacion", "01/02/2026 "}), pistaDe("ajustes"),
@@ -208,22 +208,22 @@ TEST(CliEntrada, CadaOrdenTieneSuAyudaYElProgramaSuVersion) {
       const Resultado r = valdor(c, {orden, ayuda}, false);
       EXPECT_EQ(r.estado, 0) << orden << " " << ayuda << r.errores;
       EXPECT_TRUE(r.salida.starts_with("Uso: valdor-cli")) << r.salida;
-      EXPECT_NE(r.salida.find("\n  " + orden + " "), std::string::npos) << r.salida;
+      EXPECT_TRUE(contiene(r.salida, "\n  " + orden + " "));
       EXPECT_EQ(r.salida.find("Órdenes:"), std::string::npos) << r.salida;  // not the whole help
       EXPECT_EQ(r.salida.find("Ã"), std::string::npos) << r.salida;         // no text encoded twice
     }
   // The help of an order says the values its options take.
   Resultado r = valdor(c, {"fan", "--mes", "10", "--ayuda"}, false);
   EXPECT_EQ(r.estado, 0);
-  EXPECT_NE(r.salida.find("de 1 a 8 caracteres, solo letras de la A a la Z,"), std::string::npos) << r.salida;
-  EXPECT_NE(r.salida.find("serie (una letra de la A a la Z o una cifra)"), std::string::npos) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "de 1 a 8 caracteres, solo letras de la A a la Z,"));
+  EXPECT_TRUE(contiene(r.salida, "serie (una letra de la A a la Z o una cifra)"));
   r = valdor(c, {"imprimir", "--ayuda"}, false);
-  EXPECT_NE(r.salida.find("PRN (LPT1) o el nombre de"), std::string::npos) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "PRN (LPT1) o el nombre de"));
 
   r = valdor(c, {"--ayuda"}, false);
   EXPECT_EQ(r.estado, 0);
-  EXPECT_NE(r.salida.find("Órdenes:\n  muestra"), std::string::npos) << r.salida;
-  EXPECT_NE(r.salida.find("«valdor-cli ORDEN --ayuda» dice qué valores admite cada opción."), std::string::npos);
+  EXPECT_TRUE(contiene(r.salida, "Órdenes:\n  muestra"));
+  EXPECT_TRUE(contiene(r.salida, "«valdor-cli ORDEN --ayuda» dice qué valores admite cada opción."));
   EXPECT_EQ(r.salida.find("Ã"), std::string::npos);
 
   r = valdor(c, {"--version"}, false);
@@ -274,8 +274,7 @@ TEST_F(CliOficina, LasEmpresasElEnvioSustituidoYLaLongitudDeLasLineasSeComprueba
   // A company the month does not have, beside one it has: told, and no file at all.
   const Resultado r = fan({"--empresas", "50104532166,99999999999", "--nombre", "mixto"});
   EXPECT_EQ(r.estado, 1) << r.errores;
-  EXPECT_NE(r.errores.find("La empresa 99999999999 no tiene nóminas calculadas en el mes."), std::string::npos)
-      << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "La empresa 99999999999 no tiene nóminas calculadas en el mes."));
   EXPECT_EQ(r.errores.find("50104532166 no tiene"), std::string::npos) << r.errores;
   EXPECT_FALSE(fs::exists(carpetaFan() / "MIXTO000.FAN"));
 
@@ -293,9 +292,7 @@ TEST_F(CliOficina, LasEmpresasElEnvioSustituidoYLaLongitudDeLasLineasSeComprueba
   mes.cierra();
   const Resultado largo = fan({"--nombre", "largo"});
   EXPECT_EQ(largo.estado, 1) << largo.errores;
-  EXPECT_NE(largo.errores.find("TRA del trabajador 00001 de la empresa 28107654331 mide 74 caracteres"),
-            std::string::npos)
-      << largo.errores;
+  EXPECT_TRUE(contiene(largo.errores, "TRA del trabajador 00001 de la empresa 28107654331 mide 74 caracteres"));
   EXPECT_FALSE(fs::exists(carpetaFan() / "LARGO000.FAN"));
 }
 
@@ -337,8 +334,8 @@ TEST_F(CliOficina, ElBoletinSoloSaleAUnaImpresoraConocidaOAUnFicheroDeTrabajo) {
   pruebas::escribeBytes(c / "programa" / "CONVENIO.MDB", std::string(4096, 'x'));
   r = imprimir({"--puerto", "roto.txt"});
   EXPECT_EQ(r.estado, 1);
-  EXPECT_NE(r.errores.find("CONVENIO.MDB"), std::string::npos) << r.errores;
-  EXPECT_NE(r.errores.find("El boletín de la empresa 41123409876 no se imprime"), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "CONVENIO.MDB"));
+  EXPECT_TRUE(contiene(r.errores, "El boletín de la empresa 41123409876 no se imprime"));
   EXPECT_FALSE(fs::exists(c / "trabajo" / "roto.txt"));
 }
 

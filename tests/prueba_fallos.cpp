@@ -21,13 +21,14 @@
 
 #include "stores/colacion.h"
 #include "stores/texto.h"
-#include "tests/apoyo.h"
+#include "tests/cli_prueba.h"
 
 namespace valdor {
 namespace {
 
 namespace fs = std::filesystem;
 using pruebas::CarpetaTemporal;
+using pruebas::contiene;
 using pruebas::Resultado;
 using pruebas::valdor;
 
@@ -100,7 +101,7 @@ class Fallos : public ::testing::Test {
   // What a failed job must leave: exit 1, its message, the old file, nothing else.
   void sinFichero(const Resultado& r, const std::string& nombre, std::string_view mensaje) {
     EXPECT_EQ(r.estado, 1) << r.errores;
-    EXPECT_NE(r.errores.find(mensaje), std::string::npos) << r.errores;
+    EXPECT_TRUE(contiene(r.errores, mensaje));
     EXPECT_EQ(pruebas::leeBytes(fichero(nombre)), VIEJO);
     EXPECT_TRUE(sinRestos()) << "restos en la carpeta de trabajo o de intercambio";
   }
@@ -162,7 +163,7 @@ TEST_F(Fallos, DosEjecucionesALaVezEnUnaCarpetaDeTrabajo) {
   EXPECT_TRUE(pruebas::leeBytes(fichero("PRIMERA")) == referencia) << "no es el fichero de una ejecución sin perturbar";
 
   EXPECT_EQ(segunda.estado, 1) << segunda.errores;
-  EXPECT_NE(segunda.errores.find("Otra ejecuci\xC3\xB3n de VALDOR+"), std::string::npos) << segunda.errores;
+  EXPECT_TRUE(contiene(segunda.errores, "Otra ejecuci\xC3\xB3n de VALDOR+"));
   EXPECT_EQ(pruebas::leeBytes(fichero("SEGUNDA")), VIEJO);
   EXPECT_TRUE(sinRestos());
 }
@@ -196,7 +197,7 @@ TEST_F(Fallos, UnDiscoLlenoNoDejaFicheroYGuardaElViejo) {
   const std::string salida = pruebas::leeBytes(c / "lleno.txt");
   Resultado r{WIFEXITED(estado) ? WEXITSTATUS(estado) : -1, "", salida};
   sinFichero(r, "LLENO", "TEMPORAL VALDOR.MDB");
-  EXPECT_NE(r.errores.find("El fichero no se ha generado."), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "El fichero no se ha generado."));
 }
 
 // Damaged stores and a store lacking a column the rules read: each is named when the
@@ -229,7 +230,7 @@ TEST_F(Fallos, UnAlmacenDanadoOSinUnaColumnaSeNombraYNoDejaFichero) {
       << sqlite3_errmsg(db);
   sqlite3_close(db);
   const Resultado r = caso(pruebas::leeBytes(mes), "A la tabla NOMIN de", "sin la columna BB8");
-  EXPECT_NE(r.errores.find("le faltan columnas que VALDOR+ lee: BB8"), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "le faltan columnas que VALDOR+ lee: BB8"));
 }
 
 // Values that would break a line: a name holding CR LF and a false trailer, or a NUL,
@@ -269,7 +270,7 @@ TEST_F(Fallos, LosValoresQueRompenUnaLineaNoLleganAlFichero) {
     ponViejo("IMPORTE");
     const Resultado importe = fan("IMPORTE");
     sinFichero(importe, "IMPORTE", ", trabajador 00001 (");
-    EXPECT_NE(importe.errores.find("no cabe en su campo de 7 cifras"), std::string::npos) << importe.errores;
+    EXPECT_TRUE(contiene(importe.errores, "no cabe en su campo de 7 cifras"));
   }
 }
 

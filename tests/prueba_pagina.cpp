@@ -18,6 +18,7 @@ namespace valdor {
 namespace {
 
 namespace fs = std::filesystem;
+using pruebas::contiene;
 using pruebas::valdor;
 
 TEST(Pagina, ElDesplazamientoDelAvanceDelImpreso) {
@@ -101,14 +102,13 @@ TEST_F(PaginaMuestra, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto)
   sinMargen(enPdf);
   ASSERT_GT(puerto.size(), 30u);
   EXPECT_EQ(enPdf, puerto);
-  EXPECT_NE(cp1252AUtf8(PONACENTOS(pruebas::leeBytes(c / "trabajo" / "boletin.txt"))).find("NO ACOMPAÑA TC-2"),
-            std::string::npos);
+  EXPECT_TRUE(contiene(cp1252AUtf8(PONACENTOS(pruebas::leeBytes(c / "trabajo" / "boletin.txt"))), "NO ACOMPAÑA TC-2"));
 
   // A folder that is not there: the message names the file and why; nothing is left.
   const pruebas::Resultado mal = con({"--pdf", (c / "no" / "hay.pdf").string()});
   EXPECT_EQ(mal.estado, 1);
-  EXPECT_NE(mal.errores.find((c / "no" / "hay.pdf").string()), std::string::npos) << mal.errores;
-  EXPECT_NE(mal.errores.find("no existe el fichero o la carpeta"), std::string::npos) << mal.errores;
+  EXPECT_TRUE(contiene(mal.errores, (c / "no" / "hay.pdf").string()));
+  EXPECT_TRUE(contiene(mal.errores, "no existe el fichero o la carpeta"));
   EXPECT_FALSE(fs::exists(c / "no"));
 }
 
