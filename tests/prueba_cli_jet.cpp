@@ -14,6 +14,7 @@
 namespace valdor {
 namespace {
 
+using pruebas::AHORA;
 using pruebas::CarpetaTemporal;
 using pruebas::contiene;
 using pruebas::Resultado;
@@ -21,7 +22,7 @@ using pruebas::valdor;
 namespace fs = std::filesystem;
 
 const fs::path DATOS = VALDOR_DATOS;
-const std::string AHORA = "2026-11-15 07:30";
+
 // The companies of March 2002 in the sample office.
 const std::vector<std::string> EMPRESAS{"50104532166", "08198765453", "28107654331", "41123409876"};
 
