@@ -4,7 +4,7 @@
 
 #include <atomic>
 #include <fstream>
-#include <iterator>
+#include <sstream>
 #include <system_error>
 
 namespace valdor::pruebas {
@@ -29,7 +29,9 @@ void creaCarpetas(const CarpetaTemporal& c) {
 
 std::string leeBytes(const std::filesystem::path& ruta) {
   std::ifstream f(ruta, std::ios::binary);
-  return {std::istreambuf_iterator<char>(f), std::istreambuf_iterator<char>()};
+  std::ostringstream bytes;
+  bytes << f.rdbuf();
+  return bytes.str();
 }
 
 void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes) {

@@ -1,5 +1,6 @@
-// Support shared by the tests: a temporary folder that removes itself, and a
-// recorder of the rules' messages and questions with scripted answers.
+// Support shared by the tests: a temporary folder that removes itself, files read and
+// written whole, the failure a call throws, and a recorder of the rules' messages and
+// questions with scripted answers.
 #pragma once
 
 #include <deque>
@@ -8,6 +9,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "stores/dialogos.h"
@@ -36,6 +38,23 @@ void escribeBytes(const std::filesystem::path& ruta, std::string_view bytes);
 // The records of an exchange file, each without its CR LF (a last piece without one is
 // given as it stands).
 std::vector<std::string> registros(const std::filesystem::path& ruta);
+
+// The `E` that `f` throws; none when it throws nothing.
+template <typename E, typename F>
+std::optional<E> lanzado(F&& f) {
+  try {
+    f();
+  } catch (const E& e) {
+    return e;
+  }
+  return std::nullopt;
+}
+// The message of the `E` that `f` throws; "sin error" when it throws nothing.
+template <typename E, typename F>
+std::string mensajeDe(F&& f) {
+  const std::optional<E> e = lanzado<E>(std::forward<F>(f));
+  return e ? e->what() : "sin error";
+}
 
 // A text quoted for the shell.
 std::string paraLaShell(const std::string& texto);

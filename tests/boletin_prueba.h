@@ -8,6 +8,8 @@
 // de Peñalara") and the contracts 100 (key 100) and 020 (key 401) are in the masters.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <map>
 #include <tuple>
 
@@ -19,6 +21,22 @@
 namespace valdor::pruebas {
 
 inline const std::string EMP = "28000000001";
+
+// Each field of the statement named, read as its number, against its worked-out value;
+// and each as its text.
+using Cifras = std::initializer_list<std::pair<CampoFijo BOLETIN::*, double>>;
+using Textos = std::initializer_list<std::pair<CampoFijo BOLETIN::*, std::string>>;
+inline std::string_view nombreDe(CampoFijo BOLETIN::*campo) {
+  for (const auto& d : BOLETIN::campos())
+    if (d.campo == campo) return d.nombre;
+  return "?";
+}
+inline void esperaCifras(const BOLETIN& b, Cifras cifras) {
+  for (const auto& [campo, valor] : cifras) EXPECT_DOUBLE_EQ((b.*campo).valor(), valor) << nombreDe(campo);
+}
+inline void esperaTextos(const BOLETIN& b, Textos textos) {
+  for (const auto& [campo, texto] : textos) EXPECT_EQ((b.*campo).texto(), texto) << nombreDe(campo);
+}
 
 // Runs of "0" and of blanks in the expected lines.
 inline std::string ceros(std::size_t n) { return std::string(n, '0'); }

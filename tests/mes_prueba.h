@@ -3,7 +3,7 @@
 // Every statement step handed to the run is recorded with its working table.
 #pragma once
 
-#include <span>
+#include <algorithm>
 #include <string>
 #include <utility>
 #include <vector>
@@ -13,6 +13,7 @@
 #include "shell/programa.h"
 #include "stores/esquemas.h"
 #include "tests/apoyo.h"
+#include "tests/trabajo_prueba.h"
 
 namespace valdor::pruebas {
 
@@ -34,11 +35,7 @@ struct Mes {
   Mes() {
     fs::create_directories(carpetas.programa);
     fs::create_directories(carpetas.trabajo);
-    const std::pair<const char*, std::span<const DefTabla>> maestros[] = {
-        {"CONVENIO.MDB", esquemas::tablasCONVENIO()}, {"EMPRESAS.MDB", esquemas::tablasEMPRESAS()},
-        {"PRODUCTO.MDB", esquemas::tablasPRODUCTO()}, {"CONSTANT.MDB", esquemas::tablasCONSTANT()},
-        {"BONIFICA.MDB", esquemas::tablasBONIFICA()}, {"DESEMPLEO.MDB", esquemas::tablasDESEMPLEO()}};
-    for (const auto& [nombre, tablas] : maestros) Almacen::crea(carpetas.programa / nombre, tablas);
+    creaMaestros(carpetas.programa);
     programa.arranca();
     Almacenes& a = programa.almacenes;
     a.MESPERIODO = "10";
@@ -60,13 +57,10 @@ struct Mes {
     Columnas c{{"BSSE", bsse},    {"BMATRI", bmatri}, {"BNOMBRE", "EMPRESA " + bsse}, {"BTRABA", "RUIZ SOLA, ANA"},
                {"BDIAS", "30"},   {"BDIAL", "30"},    {"BCONT", "100"},               {"BEPIG", "113"},
                {"BCEN", "001"},   {"BSEC", "001"}};
-    for (auto& m : mas)
-      for (auto& [n, v] : c)
-        if (n == m.first) v = m.second;
     for (auto& m : mas) {
-      bool esta = false;
-      for (auto& x : c) esta |= x.first == m.first;
-      if (!esta) c.push_back(m);
+      const auto igual = std::find_if(c.begin(), c.end(), [&](const auto& x) { return x.first == m.first; });
+      if (igual != c.end()) igual->second = m.second;
+      else c.push_back(m);
     }
     inserta(programa.almacenes.periodo, "NOMIN", c);
   }

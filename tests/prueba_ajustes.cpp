@@ -21,11 +21,9 @@ Campos campos(const REGINTERCAMBIO& r) {
   return {r.CLAVEAUTORIZA, r.CLAVESILCON, r.RUTAWINSUITE, r.FECHAAUTORIZA};
 }
 
-std::string mensaje(FicheroAjustes& f) try {
-  f.escribe(registroEnBlanco());
-  return "sin error";
-} catch (const ErrorAjustes& e) {
-  return e.what();
+// The message of the refusal to save a blank record.
+std::string mensaje(FicheroAjustes& f) {
+  return pruebas::mensajeDe<ErrorAjustes>([&] { f.escribe(registroEnBlanco()); });
 }
 
 class Ajustes : public ::testing::Test {
@@ -117,14 +115,9 @@ TEST_F(Ajustes, LoQueNoEsUnRegistroDeAjustesSeDiceYNoSeToca) {
     pruebas::escribeBytes(dir / "VALDOR.MDB", contenido);
     FicheroAjustes f(dir);
     REGINTERCAMBIO r{"a", "b", "c", "d"};
-    try {
-      f.lee(r);
-      ADD_FAILURE() << "se ha aceptado: " << motivo;
-    } catch (const ErrorAjustes& e) {
-      const std::string texto = e.what();
-      EXPECT_EQ(texto.rfind("El fichero de ajustes \"" + (dir / "VALDOR.MDB").string() + "\" no es un registro de ajustes: ", 0), 0u) << texto;
-      EXPECT_NE(texto.find(motivo), std::string::npos) << texto;
-    }
+    const std::string texto = pruebas::mensajeDe<ErrorAjustes>([&] { f.lee(r); });
+    EXPECT_EQ(texto.rfind("El fichero de ajustes \"" + (dir / "VALDOR.MDB").string() + "\" no es un registro de ajustes: ", 0), 0u) << texto;
+    EXPECT_NE(texto.find(motivo), std::string::npos) << texto;
     EXPECT_EQ(campos(r), (Campos{"a", "b", "c", "d"}));
     EXPECT_EQ(bytes("VALDOR.MDB"), contenido);
   }
@@ -156,13 +149,8 @@ TEST_F(Ajustes, UnFicheroQueNoSePuedeLeerDiceElMotivoYNoQueFalteLaRuta) {
   fs::create_directory(dir / "VALDOR.MDB");
   FicheroAjustes f(dir);
   REGINTERCAMBIO r{"a", "b", "c", "d"};
-  try {
-    f.lee(r);
-    ADD_FAILURE() << "una carpeta se ha tomado por ajustes";
-  } catch (const ErrorAjustes& e) {
-    EXPECT_EQ(std::string(e.what()),
-              "No se puede leer el fichero de ajustes \"" + (dir / "VALDOR.MDB").string() + "\": es una carpeta, no un fichero.");
-  }
+  EXPECT_EQ(pruebas::mensajeDe<ErrorAjustes>([&] { f.lee(r); }),
+            "No se puede leer el fichero de ajustes \"" + (dir / "VALDOR.MDB").string() + "\": es una carpeta, no un fichero.");
   EXPECT_EQ(campos(r), (Campos{"a", "b", "c", "d"}));
   EXPECT_THROW(f.escribe(registroEnBlanco()), ErrorAjustes);
 }

@@ -2,13 +2,10 @@
 // company list of a month.
 
 #include <gtest/gtest.h>
-#include <sqlite3.h>
 
-#include <algorithm>
 
 #include "fan/seleccion.h"
 #include "shell/programa.h"
-#include "stores/colacion.h"
 #include "stores/esquemas.h"
 #include "stores/texto.h"
 #include "tests/apoyo.h"
@@ -90,12 +87,8 @@ TEST(Arranque, CadaEjecucionTieneSuTemporalVacioYNoLoComparte) {
 
   DialogosGrabador otros;
   Programa segundo(o.carpetas, otros, Separadores{}, MOMENTO);
-  try {
-    segundo.arranca();
-    ADD_FAILURE() << "la segunda ejecución arrancó en la misma carpeta";
-  } catch (const CarpetaOcupada& e) {
-    EXPECT_NE(std::string(e.what()).find("Otra ejecuci\xF3n de VALDOR+"), std::string::npos);
-  }
+  EXPECT_NE(pruebas::mensajeDe<CarpetaOcupada>([&] { segundo.arranca(); }).find("Otra ejecuci\xF3n de VALDOR+"),
+            std::string::npos);
   EXPECT_EQ(p.almacenes.TMPVALDOR.cuenta(), 1);  // the first run's row is still there
   p.termina();
   EXPECT_FALSE(std::filesystem::exists(ruta));
@@ -117,25 +110,6 @@ TEST(Arranque, UnAlmacenDanadoSeNombraYSeDejaByteAByteMientrasLosDemasSiguen) {
   }
   EXPECT_TRUE(hayMensajeCon(o.dialogos, "ACUVALDOR.MDB"));
   EXPECT_EQ(pruebas::leeBytes(ruta), basura);
-}
-
-TEST(Arranque, UnAlmacenBloqueadoDaElMensajeDelBloqueoYCuentaComoFallo) {
-  Oficina o;
-  const auto ruta = o.carpetas.trabajo / "ACUVALDOR.MDB";
-  const std::array<DefTabla, 1> tablas{esquemas::VALDORTA()};
-  Almacen::crea(ruta, tablas);
-  sqlite3* otro = nullptr;
-  sqlite3_open(ruta.c_str(), &otro);
-  ASSERT_EQ(sqlite3_exec(otro, "BEGIN EXCLUSIVE", nullptr, nullptr, nullptr), SQLITE_OK);
-  Programa p(o.carpetas, o.dialogos, Separadores{}, MOMENTO);
-  p.arranca();
-  sqlite3_close(otro);
-  // The message names the file and says who may hold it; the store counts as failed.
-  EXPECT_TRUE(std::any_of(o.dialogos.mensajes.begin(), o.dialogos.mensajes.end(), [](const auto& m) {
-    return m.icono == Icono::Critico && m.texto.find("ACUVALDOR.MDB") != std::string::npos &&
-           m.texto.find("otro programa") != std::string::npos;
-  }));
-  EXPECT_TRUE(p.motivoDeFallo({}).has_value());
 }
 
 TEST(Arranque, LosAjustesElEmisorYLosSeparadoresSeLeenAlArrancar) {

@@ -143,14 +143,12 @@ struct FormulariosGuionados : FormulariosIntercambio {
   explicit FormulariosGuionados(Programa& p) : programa(p) {}
   void COTIZACION() override {
     vistos += "COTIZACION ";
-    if (cancela) programa.g.CANCELADO = 1;
     if (excluye) programa.g.HAYEXCLUIDAS = 1;
     if (lineaLarga) programa.g.LINEALARGA = 1;
   }
   void AFILIA() override { vistos += "AFILIA "; }
   void EDITOR() override { vistos += "EDITOR "; }
   Programa& programa;
-  bool cancela = false;
   bool excluye = false;
   bool lineaLarga = false;
   std::string vistos;
@@ -197,57 +195,12 @@ TEST(Asistente, LaCargaFuerzaLaConfiguracionConElFicheroVacioYLeeLaRuta) {
   EXPECT_EQ(punto.g.COMADECIMAL, 0);
 }
 
-TEST(Asistente, PrepararLaPaginaDaFechaHoraYElNombrePorDefecto) {
-  Oficina o;
-  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
-  PaginaIntercambio pagina;
-  std::vector<std::string> guias;
-  pagina.alCambiarGuia = [&](const std::string& t) { guias.push_back(t); };
-  preparaPagina(p, pagina, true);
-  EXPECT_EQ(pagina.Text8, "F1511260");
-  EXPECT_EQ(pagina.Label10, "FAN");
-  EXPECT_EQ(pagina.Label12, "20261115");
-  EXPECT_EQ(pagina.Label13, "0730");
-  EXPECT_FALSE(pagina.clavesAFIVisibles);
-  ASSERT_EQ(guias.size(), 1u);
-  EXPECT_EQ(guias[0], textoReferencia());
-  preparaPagina(p, pagina, false);
-  EXPECT_EQ(pagina.Label10, "AFI");
-  EXPECT_TRUE(pagina.clavesAFIVisibles);
-  EXPECT_TRUE(o.dialogos.mensajes.empty());
-}
-
-// An office with the route of the tool set, and scripted forms.
-struct OficinaConRuta : Oficina {
-  OficinaConRuta() {
-    ponRuta("C:\\WINSUITE\\WINSUITE.EXE");
-    p.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
-  }
-  Programa p{carpetas, dialogos, Separadores{}, QUINCENOVIEMBRE};
-  FormulariosGuionados f{p};
-};
-
-TEST(Asistente, Fan2CanceladoNoOfreceElEditorNiArrancaNada) {
-  OficinaConRuta o;
-  Programa& p = o.p;
-  FormulariosGuionados& f = o.f;
-  f.cancela = true;
-  PaginaIntercambio pagina = paginaFan();
-  pagina.Label3 = "antes";
-  Command3(p, pagina, f, o.lanzador, o.wine);
-  EXPECT_EQ(f.vistos, "COTIZACION ");
-  EXPECT_EQ(p.g.CANCELADO, 0);
-  EXPECT_TRUE(o.dialogos.preguntas.empty());
-  EXPECT_TRUE(o.lanzador.ordenes.empty());
-  EXPECT_EQ(pagina.Label3, "antes");
-  EXPECT_EQ(p.g.LINEAETI.substr(0, 21), "ETITC220VIP2800000123");
-  EXPECT_EQ(o.dialogos.punteros, (std::vector<Puntero>{Puntero::Reloj, Puntero::Normal}));
-}
-
 TEST(Asistente, Fan2TerminadoAvisaDeLasExcluidasOfreceElEditorYArrancaWinsuite) {
-  OficinaConRuta o;
-  Programa& p = o.p;
-  FormulariosGuionados& f = o.f;
+  Oficina o;
+  o.ponRuta("C:\\WINSUITE\\WINSUITE.EXE");
+  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
+  p.g.RUTAWS = ajusta("C:\\WINSUITE\\WINSUITE.EXE", 150);
+  FormulariosGuionados f(p);
   f.excluye = true;
   f.lineaLarga = true;
   o.dialogos.respuestas = {true};
@@ -290,22 +243,6 @@ TEST(Asistente, Fan2SinCotizacionTomaElCaminoDeLaAfiliacion) {
   EXPECT_EQ(p.g.LINEAETI.substr(3, 10), "AFI31WS342");
   EXPECT_EQ(p.g.LINEASIL, "SILCLAVE1  " + std::string(8, ' ') + std::string(51, ' '));
   EXPECT_TRUE(o.lanzador.ordenes.empty());
-}
-
-TEST(Asistente, WinsuiteConLaRutaEnBlancoNoArrancaYLoDice) {
-  Oficina o;
-  Programa p(o.carpetas, o.dialogos, Separadores{}, QUINCENOVIEMBRE);
-  lanzaWinsuite(p, o.lanzador, o.wine);  // empty settings file
-  o.ponRuta("   ");
-  lanzaWinsuite(p, o.lanzador, o.wine);
-  EXPECT_TRUE(o.lanzador.ordenes.empty());
-  ASSERT_EQ(o.dialogos.mensajes.size(), 2u);
-  EXPECT_EQ(o.dialogos.mensajes[1].icono, Icono::Critico);
-  EXPECT_NE(o.dialogos.mensajes[1].texto.find("en blanco"), std::string::npos);
-  o.dialogos.mensajes.clear();
-  o.ponRuta("/usr/bin/true");
-  lanzaWinsuite(p, o.lanzador, o.wine);
-  EXPECT_EQ(o.lanzador.ordenes, (std::vector<std::vector<std::string>>{{"/usr/bin/true"}}));
 }
 
 TEST(Asistente, ElComboDeLaConfiguracionListaLasEmpresasPorNombre) {

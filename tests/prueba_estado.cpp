@@ -6,7 +6,6 @@
 #include <set>
 
 #include "statement/estado.h"
-#include "stores/fechas.h"
 
 namespace valdor {
 namespace {
@@ -75,11 +74,6 @@ TEST(TablaTrabajo, DiezFilasConCabeceraYLasEscriturasFueraDeLaTablaNoHacenNada) 
   EXPECT_EQ(t.filas(), 10);
   EXPECT_EQ(t.filaActual, 1);
   EXPECT_EQ(t.texto(1, 9), "");
-}
-
-TEST(VariablesCalculo, NombresDeLosMeses) {
-  EXPECT_EQ(NOMBREMES(1), "Enero");
-  EXPECT_EQ(NOMBREMES(13), "");
 }
 
 }  // namespace

@@ -21,13 +21,14 @@
 
 #include "stores/colacion.h"
 #include "stores/texto.h"
-#include "tests/apoyo.h"
+#include "tests/cli_prueba.h"
 
 namespace valdor {
 namespace {
 
 namespace fs = std::filesystem;
 using pruebas::CarpetaTemporal;
+using pruebas::contiene;
 using pruebas::Resultado;
 using pruebas::valdor;
 
@@ -100,7 +101,7 @@ class Fallos : public ::testing::Test {
   // What a failed job must leave: exit 1, its message, the old file, nothing else.
   void sinFichero(const Resultado& r, const std::string& nombre, std::string_view mensaje) {
     EXPECT_EQ(r.estado, 1) << r.errores;
-    EXPECT_NE(r.errores.find(mensaje), std::string::npos) << r.errores;
+    EXPECT_TRUE(contiene(r.errores, mensaje));
     EXPECT_EQ(pruebas::leeBytes(fichero(nombre)), VIEJO);
     EXPECT_TRUE(sinRestos()) << "restos en la carpeta de trabajo o de intercambio";
   }
@@ -162,7 +163,7 @@ TEST_F(Fallos, DosEjecucionesALaVezEnUnaCarpetaDeTrabajo) {
   EXPECT_TRUE(pruebas::leeBytes(fichero("PRIMERA")) == referencia) << "no es el fichero de una ejecución sin perturbar";
 
   EXPECT_EQ(segunda.estado, 1) << segunda.errores;
-  EXPECT_NE(segunda.errores.find("Otra ejecuci\xC3\xB3n de VALDOR+"), std::string::npos) << segunda.errores;
+  EXPECT_TRUE(contiene(segunda.errores, "Otra ejecuci\xC3\xB3n de VALDOR+"));
   EXPECT_EQ(pruebas::leeBytes(fichero("SEGUNDA")), VIEJO);
   EXPECT_TRUE(sinRestos());
 }
@@ -196,7 +197,7 @@ TEST_F(Fallos, UnDiscoLlenoNoDejaFicheroYGuardaElViejo) {
   const std::string salida = pruebas::leeBytes(c / "lleno.txt");
   Resultado r{WIFEXITED(estado) ? WEXITSTATUS(estado) : -1, "", salida};
   sinFichero(r, "LLENO", "TEMPORAL VALDOR.MDB");
-  EXPECT_NE(r.errores.find("El fichero no se ha generado."), std::string::npos) << r.errores;
+  EXPECT_TRUE(contiene(r.errores, "El fichero no se ha generado."));
 }
 
 // Damaged stores and a store lacking a column the rules read: each is named when the
@@ -208,8 +209,10 @@ TEST_F(Fallos, UnAlmacenDanadoOSinUnaColumnaSeNombraYNoDejaFichero) {
     SCOPED_TRACE(que);
     pruebas::escribeBytes(mes, bytes);
     ponViejo("DANADO");
-    sinFichero(fan("DANADO"), "DANADO", mensaje);
+    const Resultado r = fan("DANADO");
+    sinFichero(r, "DANADO", mensaje);
     EXPECT_EQ(pruebas::leeBytes(mes), bytes) << "el almacén dañado ha cambiado";
+    return r;
   };
   caso(sano.substr(0, sano.size() / 2), "PX202610.MDB\" no es una base de datos v\xC3\xA1lida", "cortado a la mitad");
   // Every page past the first ones turned to garbage: the catalogue still answers, the
@@ -226,9 +229,8 @@ TEST_F(Fallos, UnAlmacenDanadoOSinUnaColumnaSeNombraYNoDejaFichero) {
   ASSERT_EQ(sqlite3_exec(db, "ALTER TABLE NOMIN DROP COLUMN BB8", nullptr, nullptr, nullptr), SQLITE_OK)
       << sqlite3_errmsg(db);
   sqlite3_close(db);
-  caso(pruebas::leeBytes(mes), "A la tabla NOMIN de", "sin la columna BB8");
-  const Resultado r = fan("DANADO");
-  EXPECT_NE(r.errores.find("le faltan columnas que VALDOR+ lee: BB8"), std::string::npos) << r.errores;
+  const Resultado r = caso(pruebas::leeBytes(mes), "A la tabla NOMIN de", "sin la columna BB8");
+  EXPECT_TRUE(contiene(r.errores, "le faltan columnas que VALDOR+ lee: BB8"));
 }
 
 // Values that would break a line: a name holding CR LF and a false trailer, or a NUL,
@@ -266,8 +268,9 @@ TEST_F(Fallos, LosValoresQueRompenUnaLineaNoLleganAlFichero) {
     ASSERT_EQ(sqlite3_exec(db, sql.c_str(), nullptr, nullptr, nullptr), SQLITE_OK);
     sqlite3_close(db);
     ponViejo("IMPORTE");
-    sinFichero(fan("IMPORTE"), "IMPORTE", ", trabajador 00001 (");
-    EXPECT_NE(fan("IMPORTE").errores.find("no cabe en su campo de 7 cifras"), std::string::npos);
+    const Resultado importe = fan("IMPORTE");
+    sinFichero(importe, "IMPORTE", ", trabajador 00001 (");
+    EXPECT_TRUE(contiene(importe.errores, "no cabe en su campo de 7 cifras"));
   }
 }
 

@@ -9,7 +9,6 @@
 #include "fan/seleccion.h"
 #include "shell/asistente.h"
 #include "shell/programa.h"
-#include "stores/esquemas.h"
 #include "stores/ficheros.h"
 #include "stores/literales.h"
 #include "stores/texto.h"
@@ -33,28 +32,23 @@ TEST(Empleador, LasLineasEMPYRZSColocanCuentaIdentificadorPeriodoYNombre) {
   EXPECT_EQ(lineaEMPFAN(empresa("28000123456", "B12345678"), 2002, 3, "L00", "00"),
             "EMP0111" "28" "000123456" "9   " "00000B12345678" "  0111" "28" "000123456" "2002" "03" "03" "L00" "00"
             "   E");
-  const std::string x = lineaEMPFAN(empresa("08 12345", "x1234567l", "6"), 2002, 3, "L15", "04");
-  EXPECT_EQ(x.substr(0, 7), "EMP0132");
-  EXPECT_EQ(x.substr(9, 9), "000012345");  // the account's number by its value
-  EXPECT_EQ(x.substr(18, 4), "6   ");
-  EXPECT_EQ(x.substr(22, 14), "00000X1234567L");
+  // The account's number by its value; a foreign identifier in capitals.
+  EXPECT_EQ(lineaEMPFAN(empresa("08 12345", "x1234567l", "6"), 2002, 3, "L15", "04").substr(0, 36),
+            "EMP0132" "08" "000012345" "6   " "00000X1234567L");
   EXPECT_EQ(cabeceraEMP(" 7 "), "EMP0132");
   EXPECT_EQ(cabeceraEMP("5"), "EMP0111");
 
   // A value wider than its field drops out and the line comes out short.
   EXPECT_EQ(lineaEMPFAN(empresa("28000123456", "B123456789012345"), 2002, 3, "L00", "00").size(), 70u - 14u);
 
-  EXPECT_EQ(tipoIdentificadorFAN("B12345678"), "9   ");
-  EXPECT_EQ(tipoIdentificadorFAN("12345678Z"), "1   ");
-  EXPECT_EQ(tipoIdentificadorFAN("X1234567L"), "6   ");
-  EXPECT_EQ(tipoIdentificadorFAN(""), "9   ");
-  EXPECT_EQ(tipoIdentificadorFAN("0ABC"), "1   ");
-  EXPECT_EQ(claseEmpresa("B12345678"), "2");
-  EXPECT_EQ(claseEmpresa("12345678Z"), "1");
-  EXPECT_EQ(claseEmpresa("X1234567L"), "4");
-  EXPECT_EQ(claseEmpresa("00123"), "4");
-  EXPECT_EQ(claseEmpresa("G50123454"), "3");
-  EXPECT_EQ(claseEmpresa(""), "4");
+  // The identifier's kind and the company's class, by the tax code's first characters.
+  const std::tuple<const char*, const char*, const char*> codigos[] = {
+      {"B12345678", "9   ", "2"}, {"G50123454", "9   ", "3"}, {"12345678Z", "1   ", "1"}, {"X1234567L", "6   ", "4"},
+      {"00123", "1   ", "4"},     {"0ABC", "1   ", "4"},      {"", "9   ", "4"}};
+  for (const auto& [A8, tipo, clase] : codigos) {
+    EXPECT_EQ(tipoIdentificadorFAN(A8), tipo) << A8;
+    EXPECT_EQ(claseEmpresa(A8), clase) << A8;
+  }
 
   // The name goes in the files' letter set, in capitals.
   std::string plano;
@@ -182,15 +176,9 @@ struct MotorGuionado : MotorCotizacion {
 struct Intercambio : pruebas::TrabajoDePrueba {
   Intercambio() {
     // Every master store, for a job refuses to write when one is missing.
-    Almacen::crea(carpetas.programa / "CONVENIO.MDB", esquemas::tablasCONVENIO());
-    Almacen::crea(carpetas.programa / "PRODUCTO.MDB", esquemas::tablasPRODUCTO());
-    Almacen::crea(carpetas.programa / "CONSTANT.MDB", esquemas::tablasCONSTANT());
-    Almacen::crea(carpetas.programa / "BONIFICA.MDB", esquemas::tablasBONIFICA());
-    Almacen::crea(carpetas.programa / "DESEMPLEO.MDB", esquemas::tablasDESEMPLEO());
-    const auto ruta = carpetas.programa / "EMPRESAS.MDB";
-    Almacen::crea(ruta, esquemas::tablasEMPRESAS());
+    pruebas::creaMaestros(carpetas.programa);
     Almacen a;
-    a.abre(ruta);
+    a.abre(carpetas.programa / "EMPRESAS.MDB");
     a.ejecuta("INSERT INTO ESA (A1, A2, A8, EB12, EB14) VALUES (?, ?, ?, ?, ?)",
               {"28000000001", "PRIMERA, S.L.", "B12345678", "", "45"});
     a.ejecuta("INSERT INTO ESA (A1, A2, A8, EB12, EB14) VALUES (?, ?, ?, ?, ?)",
@@ -314,22 +302,6 @@ TEST(FicheroFAN, SinRutaOSinCarpetaNoQuedaFicheroYSeDiceElPorQue) {
   EXPECT_FALSE(comando(x.programa, x.pagina, x.sel, x.motor));
   EXPECT_EQ(x.dialogos.mensajes.back().icono, Icono::Critico);
   EXPECT_NE(x.dialogos.mensajes.back().texto.find("PRUEBA01.FAN"), std::string::npos);
-}
-
-TEST(FicheroFAN, UnFicheroSinConfirmarNoDejaNadaConSuNombre) {
-  CarpetaTemporal c;
-  {
-    FicheroRegistros f(c / "sub" / "X.FAN");
-    f.imprime("ETI");
-    EXPECT_EQ(f.longitud(), 5u);
-  }
-  EXPECT_TRUE(fs::is_empty(c / "sub"));
-  {
-    FicheroRegistros f(c / "sub" / "X.FAN");
-    f.imprime("ETI");
-    f.confirma();
-  }
-  EXPECT_EQ(pruebas::leeBytes(c / "sub" / "X.FAN"), "ETI\r\n");
 }
 
 // ---- The selection -----------------------------------------------------------------------------

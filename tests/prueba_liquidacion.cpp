@@ -13,8 +13,9 @@ using pruebas::blancos;
 using pruebas::Boletin;
 using pruebas::ceros;
 using pruebas::EMP;
+using pruebas::esperaCifras;
+using pruebas::esperaTextos;
 using pruebas::inserta;
-
 
 TEST(Liquidacion, TrabajadorDeMesCompleto) {
   Boletin m;
@@ -22,29 +23,19 @@ TEST(Liquidacion, TrabajadorDeMesCompleto) {
   m.fila(1, {{9, "2000"}, {11, "2000"}});
   m.liquidacion.CALCULATRABAJADOR();
 
-  // Accidents: 2000 at 0.80 and 0.70; the eight empty rows add 0.
-  EXPECT_EQ(m.b.ATCUOTAIT.valor(), 16);
-  EXPECT_EQ(m.b.ATCUOTAIMS.valor(), 14);
-  EXPECT_EQ(m.b.ATBASE.valor(), 2000);
-  EXPECT_EQ(m.b.CCBASE.valor(), 2000);
-  EXPECT_EQ(m.b.CCTIPO.texto(), "  28.30    ");  // the rate as the file holds it
-  EXPECT_EQ(m.b.CCCUOTA.valor(), 566);
-  // Rates without a base are not shown; the rows of no concept read "0".
-  EXPECT_EQ(m.b.HETIPO.texto(), blancos(11));
-  EXPECT_EQ(m.b.FPTIPO.texto(), blancos(11));
-  EXPECT_EQ(m.b.ASTIPO.texto(), "0" + blancos(10));
-  EXPECT_EQ(m.b.OCCUOTA.texto(), "0" + blancos(16));
-  EXPECT_EQ(m.b.CGLIQUIDO.valor(), 566);
-  EXPECT_EQ(m.b.ATTOTAL.valor(), 30);
-  EXPECT_EQ(m.b.ATLIQUIDO.valor(), 30);
-  // Nothing fills the by-class bases here: the other contributions end at 0 with no rate.
-  EXPECT_EQ(m.b.OTBASE.texto(), "0" + blancos(18));
-  EXPECT_EQ(m.b.OTTIPO.texto(), blancos(11));
-  EXPECT_EQ(m.b.OTCUOTA.valor(), 0);
-  EXPECT_EQ(m.b.AINGRESAR.texto(), "596" + blancos(14));
-  EXPECT_EQ(m.b.APERCIBIR.texto(), blancos(17));
-  EXPECT_EQ(m.b.BOLTRABAJADORES.texto(), "1" + blancos(10));
-  EXPECT_EQ(m.b.BOLPERDESDE.texto(), "1026    ");
+  // Accidents: 2000 at 0.80 and 0.70; the eight empty rows add 0. 2000 at 28.30 is 566.
+  esperaCifras(m.b, {{&BOLETIN::ATCUOTAIT, 16}, {&BOLETIN::ATCUOTAIMS, 14}, {&BOLETIN::ATBASE, 2000},
+                     {&BOLETIN::CCBASE, 2000}, {&BOLETIN::CCCUOTA, 566}, {&BOLETIN::CGLIQUIDO, 566},
+                     {&BOLETIN::ATTOTAL, 30}, {&BOLETIN::ATLIQUIDO, 30}, {&BOLETIN::OTCUOTA, 0}});
+  // The rate as the file holds it; rates without a base are not shown; the rows of no
+  // concept read "0"; nothing fills the by-class bases here, so the other contributions
+  // end at 0 with no rate.
+  esperaTextos(m.b, {{&BOLETIN::CCTIPO, "  28.30    "}, {&BOLETIN::HETIPO, blancos(11)},
+                     {&BOLETIN::FPTIPO, blancos(11)}, {&BOLETIN::ASTIPO, "0" + blancos(10)},
+                     {&BOLETIN::OCCUOTA, "0" + blancos(16)}, {&BOLETIN::OTBASE, "0" + blancos(18)},
+                     {&BOLETIN::OTTIPO, blancos(11)}, {&BOLETIN::AINGRESAR, "596" + blancos(14)},
+                     {&BOLETIN::APERCIBIR, blancos(17)}, {&BOLETIN::BOLTRABAJADORES, "1" + blancos(10)},
+                     {&BOLETIN::BOLPERDESDE, "1026    "}});
   EXPECT_EQ(m.calculo.cajas[58], m.b.AINGRESAR.texto());
   EXPECT_EQ(m.calculo.cajas[16], m.b.CCCUOTA.texto());
 
@@ -68,8 +59,7 @@ TEST(Liquidacion, LosInterruptoresReservadosSoloActuanSiSeEncienden) {
   m.liquidacion.interruptores.RECARGOFIJO = 20;
   m.liquidacion.CALCULATRABAJADOR(false);
   EXPECT_EQ(m.b.RECARGOPCT.texto(), "20");
-  EXPECT_DOUBLE_EQ(m.b.RECARGO.valor(), 100);
-  EXPECT_DOUBLE_EQ(m.b.AINGRESAR.valor(), 600);
+  esperaCifras(m.b, {{&BOLETIN::RECARGO, 100}, {&BOLETIN::AINGRESAR, 600}});
   // With the first two switches on, no bonus is worked out: the subsidy is not taken.
   m.calculo.CARGAEMPRESA("");
   m.liquidacion.interruptores.MODOUNO = 1;
@@ -85,12 +75,10 @@ TEST(Liquidacion, BajaPorEnfermedadYAccidenteSeRepartenLaBase126) {
   m.liquidacion.CALCULATRABAJADOR();
 
   // 600 at epigraph 016 (20.10 and 20.10) and the 900 of leave at 126 (5.85 and 3.15).
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIT.valor(), 25.95);
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIMS.valor(), 23.25);
-  // The compensation of sick pay comes off the general contributions.
-  EXPECT_DOUBLE_EQ(m.b.CGTOTAL.valor(), 262.5);
-  EXPECT_DOUBLE_EQ(m.b.CGLIQUIDO.valor(), 424.5 - 262.5);  // 1500 at 28.30 is 424.50
-  EXPECT_DOUBLE_EQ(m.b.ATLIQUIDO.valor(), 49.2 - 396);
+  // The compensation of sick pay comes off the general contributions (1500 at 28.30 is
+  // 424.50).
+  esperaCifras(m.b, {{&BOLETIN::ATCUOTAIT, 25.95}, {&BOLETIN::ATCUOTAIMS, 23.25}, {&BOLETIN::CGTOTAL, 262.5},
+                     {&BOLETIN::CGLIQUIDO, 424.5 - 262.5}, {&BOLETIN::ATLIQUIDO, 49.2 - 396}});
 
   // 30 days less 6 and 9 of leave; the accidents base less the base of leave.
   EXPECT_EQ(m.linea("DAT").substr(14, 6), " 01500");
@@ -139,19 +127,13 @@ TEST(Liquidacion, MaternidadConLaBonificacionDeLaSustitucion) {
   m.liquidacion.CALCULATRABAJADOR();
 
   // 812 at 113 (6.50 and 5.68) and the maternity base of 928 at 126 (6.03 and 3.25).
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIT.valor(), 12.53);
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIMS.valor(), 8.93);
-  EXPECT_DOUBLE_EQ(m.b.ATBASE.valor(), 1740);
-  EXPECT_DOUBLE_EQ(m.b.FPBASE.valor(), 928);
-  EXPECT_DOUBLE_EQ(m.b.FPCUOTA.valor(), 6.5);
-  EXPECT_DOUBLE_EQ(m.b.CCCUOTA.valor(), 229.8);
   // The leave from the 15th to the end of October, 17 days: 58 x 17 = 986 at
-  // 23.60 + 0.20 + 0.60 + 0.65 + 0.35 + b 5.50 = 30.90 gives 304.674.
+  // 23.60 + 0.20 + 0.60 + 0.65 + 0.35 + b 5.50 = 30.90 gives 304.674. To receive:
+  // 236.30 + 21.46 - 304.67.
+  esperaCifras(m.b, {{&BOLETIN::ATCUOTAIT, 12.53}, {&BOLETIN::ATCUOTAIMS, 8.93}, {&BOLETIN::ATBASE, 1740},
+                     {&BOLETIN::FPBASE, 928}, {&BOLETIN::FPCUOTA, 6.5}, {&BOLETIN::CCCUOTA, 229.8},
+                     {&BOLETIN::OTBONRED, 304.67}, {&BOLETIN::OTLIQUIDO, -304.67}, {&BOLETIN::APERCIBIR, 46.91}});
   EXPECT_DOUBLE_EQ(m.liquidacion.BONIFMATER, 304.67);
-  EXPECT_DOUBLE_EQ(m.b.OTBONRED.valor(), 304.67);
-  EXPECT_DOUBLE_EQ(m.b.OTLIQUIDO.valor(), -304.67);
-  // 236.30 + 21.46 - 304.67
-  EXPECT_DOUBLE_EQ(m.b.APERCIBIR.valor(), 46.91);
   EXPECT_EQ(m.b.AINGRESAR.texto(), blancos(17));
 
   EXPECT_EQ(m.linea("DAT").substr(15, 3), "014");
@@ -196,9 +178,7 @@ TEST(Liquidacion, BonificacionQueTerminaDentroDelMes) {
   //   The subsidy of 90 goes pro rata too: 60.
   EXPECT_DOUBLE_EQ(m.liquidacion.BONIFTOTAL, 259.34);
   EXPECT_DOUBLE_EQ(m.calculo.GRID1.valor(1, 44), 199.34);
-  EXPECT_DOUBLE_EQ(m.b.OTBONRED.valor(), 259.34);
-  EXPECT_DOUBLE_EQ(m.b.OTSUMA.valor(), 259.34);
-  EXPECT_DOUBLE_EQ(m.b.AINGRESAR.valor(), 566 + 30 - 259.34);
+  esperaCifras(m.b, {{&BOLETIN::OTBONRED, 259.34}, {&BOLETIN::OTSUMA, 259.34}, {&BOLETIN::AINGRESAR, 566 + 30 - 259.34}});
   EXPECT_EQ(m.linea("ED9"), "EDLCD13" "030" "0025934" " 03" "20250301" "20261020" + ceros(8) + blancos(26));
 }
 
@@ -211,19 +191,13 @@ TEST(Liquidacion, ContratoDeFormacion97PagaPorCabeza) {
   m.liquidacion.CALCULATRABAJADOR();
 
   // The bonus is the training amounts alone (the contract's k1 53.61 and the per-head
-  // 13.45 are replaced by them).
-  EXPECT_DOUBLE_EQ(m.b.OTBONRED.valor(), 272);
-  EXPECT_EQ(m.b.CCBASE.texto(), blancos(19));
-  EXPECT_DOUBLE_EQ(m.b.CCCUOTA.valor(), 64.3);  // k1 + k2 for one head
-  EXPECT_DOUBLE_EQ(m.b.CGLIQUIDO.valor(), 64.3);
-  EXPECT_EQ(m.b.ATBASE.texto(), blancos(18));
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIT.valor(), 310);
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIMS.valor(), 247);
-  EXPECT_DOUBLE_EQ(m.b.ATTOTAL.valor(), 7.38);
-  EXPECT_DOUBLE_EQ(m.b.OTCUOTA.valor(), 6.33);  // h1 + h3
-  EXPECT_DOUBLE_EQ(m.b.OTLIQUIDO.valor(), -265.67);
-  EXPECT_EQ(m.b.TOTALRECARGO.texto(), blancos(15));  // no surcharge: blank
-  EXPECT_DOUBLE_EQ(m.b.APERCIBIR.valor(), 193.99);
+  // 13.45 are replaced by them). The quota is k1 + k2 for one head, the other
+  // contributions h1 + h3; no base is shown, and no surcharge.
+  esperaCifras(m.b, {{&BOLETIN::OTBONRED, 272}, {&BOLETIN::CCCUOTA, 64.3}, {&BOLETIN::CGLIQUIDO, 64.3},
+                     {&BOLETIN::ATCUOTAIT, 310}, {&BOLETIN::ATCUOTAIMS, 247}, {&BOLETIN::ATTOTAL, 7.38},
+                     {&BOLETIN::OTCUOTA, 6.33}, {&BOLETIN::OTLIQUIDO, -265.67}, {&BOLETIN::APERCIBIR, 193.99}});
+  esperaTextos(m.b, {{&BOLETIN::CCBASE, blancos(19)}, {&BOLETIN::ATBASE, blancos(18)},
+                     {&BOLETIN::TOTALRECARGO, blancos(15)}});
 
   EXPECT_EQ(m.linea("ED9"), "");  // training amounts: their own lines
   EXPECT_EQ(m.linea("EDD"), "EDLCD10" "030" "0003200" " 03" "00000000" + ceros(16) + blancos(26));
@@ -237,13 +211,10 @@ TEST(Liquidacion, Contratos64y65JuntosYEpigrafeReducido) {
   m.fila(2, {{6, "065"}, {9, "2000"}, {11, "1000"}, {10, "503"}});
   m.liquidacion.CALCULATRABAJADOR(false);
   // Each share at its own rate, 15.56 and 12.73 (28.30 x 0.55 and x 0.45 cut to 5).
-  EXPECT_EQ(m.b.CCTIPO.texto(), blancos(11));
-  EXPECT_DOUBLE_EQ(m.b.CCBASE.valor(), 3000);
-  EXPECT_DOUBLE_EQ(m.b.CCCUOTA.valor(), 155.6 + 254.6);
   // 503 is epigraph 003 at 30%: 1000 at 1.00 is 10.00, 30% is 3.00 each.
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIT.valor(), 3);
-  EXPECT_DOUBLE_EQ(m.b.ATCUOTAIMS.valor(), 3);
-  EXPECT_EQ(m.b.BOLTRABAJADORES.valor(), 2);
+  EXPECT_EQ(m.b.CCTIPO.texto(), blancos(11));
+  esperaCifras(m.b, {{&BOLETIN::CCBASE, 3000}, {&BOLETIN::CCCUOTA, 155.6 + 254.6}, {&BOLETIN::ATCUOTAIT, 3},
+                     {&BOLETIN::ATCUOTAIMS, 3}, {&BOLETIN::BOLTRABAJADORES, 2}});
 
   // Only 65: the rate cut to 45% and the quota on the whole base.
   Boletin n;
@@ -258,8 +229,7 @@ TEST(Liquidacion, ResultadoCeroDejaLosDosEnBlancoYLineaDeDatosConHorasYContratoC
   // 596 due (566 + 30) against a subsidy of 596: exactly 0.
   m.fila(1, {{9, "2000"}, {11, "2000"}, {29, "596"}});
   m.liquidacion.CALCULATRABAJADOR();
-  EXPECT_EQ(m.b.AINGRESAR.texto(), blancos(17));
-  EXPECT_EQ(m.b.APERCIBIR.texto(), blancos(17));
+  esperaTextos(m.b, {{&BOLETIN::AINGRESAR, blancos(17)}, {&BOLETIN::APERCIBIR, blancos(17)}});
   EXPECT_EQ(m.linea("ED9"), "EDLCD07" "030" "0059600" " 03" + ceros(24) + blancos(26));
 
   // Part time by hours a day (class 1): 4 hours x 30 days; a five-day contract for a
@@ -295,14 +265,10 @@ TEST(Liquidacion, ConceptosDeLaTablaDeDeducciones) {
   m.fila(1, {{9, "2000"}, {11, "2000"}});
   m.liquidacion.CALCULATRABAJADOR(false);
 
-  EXPECT_DOUBLE_EQ(m.b.ASBASE.valor(), 566);
-  EXPECT_DOUBLE_EQ(m.b.ASTIPO.valor(), 10);
-  EXPECT_DOUBLE_EQ(m.b.ASCUOTA.valor(), 56.6);
-  EXPECT_DOUBLE_EQ(m.b.DXCUOTA.valor(), 0.6);
-  EXPECT_DOUBLE_EQ(m.b.DECUOTA.valor(), 0);
+  esperaCifras(m.b, {{&BOLETIN::ASBASE, 566}, {&BOLETIN::ASTIPO, 10}, {&BOLETIN::ASCUOTA, 56.6},
+                     {&BOLETIN::DXCUOTA, 0.6}, {&BOLETIN::DECUOTA, 0}, {&BOLETIN::CGLIQUIDO, 566 + 56.6 - 0.6}});
   EXPECT_EQ(m.b.OCCLAVE.texto(), "8");
   EXPECT_DOUBLE_EQ(m.liquidacion.deducciones.importe116, 20);
-  EXPECT_DOUBLE_EQ(m.b.CGLIQUIDO.valor(), 566 + 56.6 - 0.6);
   m.programa.almacenes.DESCUENTOS.cierra();
 }
 

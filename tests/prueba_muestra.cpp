@@ -48,11 +48,8 @@ bool cuentaValida(const std::string& a1) {
 }
 
 // The message of the refusal to write the office; "sin error" when it is written.
-std::string errorDe(const Carpetas& c, const OpcionesMuestra& o) try {
-  escribeOficinaMuestra(c, o);
-  return "sin error";
-} catch (const ErrorMuestra& e) {
-  return e.what();
+std::string errorDe(const Carpetas& c, const OpcionesMuestra& o) {
+  return pruebas::mensajeDe<ErrorMuestra>([&] { escribeOficinaMuestra(c, o); });
 }
 
 class Muestra : public ::testing::Test {
@@ -118,7 +115,7 @@ TEST_F(Muestra, LaOficinaRicaTieneLoQueCadaIntercambioNecesita) {
   const fs::path mes = P("PX20243.MDB");
 
   // Companies: valid accounts; the four kinds of tax code, the foreign one with the
-  // second kind of employer line; one with only rows marked "N".
+  // second kind of employer line (which four have payroll is the listings' tests').
   const Filas esa = filas(P("EMPRESAS.MDB"), "SELECT A1, A8, EB12, EB11 FROM ESA ORDER BY A1");
   std::set<std::string> tiposNIF;
   for (const auto& f : esa) {
@@ -129,11 +126,6 @@ TEST_F(Muestra, LaOficinaRicaTieneLoQueCadaIntercambioNecesita) {
     }
   }
   EXPECT_EQ(tiposNIF, (std::set<std::string>{"1", "2", "3", "4"}));
-  EXPECT_EQ(columna(mes, "SELECT BSSE FROM NOMIN WHERE BCONT <> 'N' GROUP BY BSSE").size(), 4u);
-  EXPECT_EQ(columna(mes, "SELECT BSSE FROM NOMIN GROUP BY BSSE HAVING SUM(BCONT <> 'N') = 0"),
-            std::set<std::string>{"23100987611"});
-  EXPECT_EQ(filas(mes, "SELECT BNOMBRE FROM NOMIN WHERE BSSE = '28107654331' LIMIT 1")[0][0],
-            "Construcciones Pe\xF1" "alara, S.L.");
 
   // Every payroll row finds its worker, contract, unemployment class and epigraph; every
   // company its agreement with a code.
@@ -179,15 +171,14 @@ TEST_F(Muestra, LaOficinaRicaTieneLoQueCadaIntercambioNecesita) {
                   "WHERE CUENTCOTIZA = '28107654331'"),
             (Filas{{"2100", "1234", "58", "0200123456"}}));
 
-  // Pending workers: of three companies, a removal, a row with every column filled, and
-  // every one in the worker file, so that the whole list goes into the AFI file. One is
-  // a new hire with no payroll row yet.
+  // Pending workers (four, of three companies: the AFI file's tests): a removal, a row
+  // with every column filled, and every one in the worker file, so that the whole list
+  // goes into the AFI file. One is a new hire with no payroll row yet.
   const Filas pendientes = filas(T("ACUVALDOR.MDB"), "SELECT * FROM VALDORTA");
   const auto nomina = columna(mes, "SELECT BSSE || BMATRI FROM NOMIN");
-  std::set<std::string> empresasPendientes, tipos;
+  std::set<std::string> tipos;
   bool completa = false, sinNomina = false;
   for (const auto& f : pendientes) {
-    empresasPendientes.insert(f[0]);
     tipos.insert(f[2]);
     completa |= f.size() == 23 && std::all_of(f.begin(), f.end(), [](const std::string& v) {
                   return v.find_first_not_of(' ') != std::string::npos;
@@ -195,8 +186,6 @@ TEST_F(Muestra, LaOficinaRicaTieneLoQueCadaIntercambioNecesita) {
     EXPECT_TRUE(fichas.count(f[0] + f[1])) << f[0] << " " << f[1];
     sinNomina |= !nomina.count(f[0] + f[1]);
   }
-  EXPECT_EQ(pendientes.size(), 4u);
-  EXPECT_EQ(empresasPendientes.size(), 3u);
   EXPECT_EQ(tipos, (std::set<std::string>{"AL", "MB"}));
   EXPECT_TRUE(completa);
   EXPECT_TRUE(sinNomina);

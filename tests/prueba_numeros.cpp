@@ -5,6 +5,7 @@
 #include <locale>
 #include <optional>
 #include <string>
+#include <tuple>
 
 #include "stores/numeros.h"
 
@@ -24,28 +25,18 @@ struct Aleatorio {
 };
 
 TEST(Formatea, RedondeoMarcadoresGruposYSeparadores) {
-  // 2.675 and 1.005 are held a little under the half; the written digits decide.
-  EXPECT_EQ(formatea(2.675, "##,##.00"), "2.68");
-  EXPECT_EQ(formatea(-2.675, "##,##.00"), "-2.68");
-  // Exact binary ties go away from zero, never to the even digit.
-  EXPECT_EQ(formatea(0.125, "##.00"), ".13");
-  EXPECT_EQ(formatea(2.5, "#####"), "3");
-  EXPECT_EQ(formatea(-2.5, "#####"), "-3");
-  // A carry that reaches a new thousands group.
-  EXPECT_EQ(formatea(999.995, "##,##.00"), "1,000.00");
-  // A negative value that rounds to zero has no sign.
-  EXPECT_EQ(formatea(-0.004, "##,##.00"), ".00");
-
-  // Placeholders, groups and separators.
-  EXPECT_EQ(formatea(0, "##,##.00"), ".00");
-  EXPECT_EQ(formatea(0.5, "##,##0.00"), "0.50");
-  EXPECT_EQ(formatea(1234567.891, "##,##.00"), "1,234,567.89");
-  EXPECT_EQ(formatea(-0.5, "##.00"), "-.50");
-  EXPECT_EQ(formatea(12345, "#####"), "12345");
-  EXPECT_EQ(formatea(123456, "###"), "123456");
-  EXPECT_EQ(formatea(0, "#####"), "");
-  EXPECT_EQ(formatea(28.8, "   ##.####"), "   28.8");
-  EXPECT_EQ(formatea(5, "   ##.####"), "   5.");
+  const std::tuple<double, const char*, const char*> casos[] = {
+      // 2.675 and 1.005 are held a little under the half; the written digits decide.
+      {2.675, "##,##.00", "2.68"}, {-2.675, "##,##.00", "-2.68"},
+      // Exact binary ties go away from zero, never to the even digit.
+      {0.125, "##.00", ".13"}, {2.5, "#####", "3"}, {-2.5, "#####", "-3"},
+      // A carry that reaches a new thousands group; a negative zero has no sign.
+      {999.995, "##,##.00", "1,000.00"}, {-0.004, "##,##.00", ".00"},
+      // Placeholders, groups and separators.
+      {0, "##,##.00", ".00"}, {0.5, "##,##0.00", "0.50"}, {1234567.891, "##,##.00", "1,234,567.89"},
+      {-0.5, "##.00", "-.50"}, {12345, "#####", "12345"}, {123456, "###", "123456"}, {0, "#####", ""},
+      {28.8, "   ##.####", "   28.8"}, {5, "   ##.####", "   5."}};
+  for (const auto& [valor, mascara, texto] : casos) EXPECT_EQ(formatea(valor, mascara), texto) << valor << " " << mascara;
   EXPECT_EQ(formatea(1234.5, "##,##.00", kComa), "1.234,50");
 }
 
@@ -110,56 +101,40 @@ TEST(AtajosDeNumeros, CoincidenConElCaminoGeneral) {
 }
 
 TEST(Camponum, CentimosConElRellenoDelanteDelSignoYEnterosConEmpateAlPar) {
-  EXPECT_EQ(CAMPONUM("1234.56", 11, "0", true), "00000123456");
-  EXPECT_EQ(CAMPONUM("-12.34", 11, "0", true), "000000-1234");
-  EXPECT_EQ(CAMPONUM("0", 11, "0", true), "00000000000");
-  // 1.15 * 100.0 is 114.99999999999999: the 15-digit text makes it whole.
-  EXPECT_EQ(CAMPONUM("1.15", 5, "0", true), "00115");
-  EXPECT_EQ(CAMPONUM("  12.5", 6, "*0", true), "**1250");
-  EXPECT_EQ(CAMPONUM("1234567.89", 9, "0", true), "123456789");
-  EXPECT_EQ(CAMPONUM("1234567.89", 8, "0", true), std::nullopt);
-  EXPECT_EQ(CAMPONUM("", 11, "0", true), std::nullopt);
-
-  // Whole numbers: ties to even.
-  EXPECT_EQ(CAMPONUM("12", 5, "0", false), "00012");
-  EXPECT_EQ(CAMPONUM("2.5", 3, "0", false), "002");
-  EXPECT_EQ(CAMPONUM("3.5", 3, "0", false), "004");
-  EXPECT_EQ(CAMPONUM("-2.5", 3, "0", false), "0-2");
-  EXPECT_EQ(CAMPONUM("12345", 4, "0", false), std::nullopt);
-  EXPECT_EQ(CAMPONUM("3000000000", 11, "0", false), std::nullopt);
+  using Caso = std::tuple<const char*, int, const char*, bool, std::optional<std::string>>;
+  const Caso casos[] = {
+      {"1234.56", 11, "0", true, "00000123456"}, {"-12.34", 11, "0", true, "000000-1234"},
+      {"0", 11, "0", true, "00000000000"},
+      // 1.15 * 100.0 is 114.99999999999999: the 15-digit text makes it whole.
+      {"1.15", 5, "0", true, "00115"}, {"  12.5", 6, "*0", true, "**1250"},
+      {"1234567.89", 9, "0", true, "123456789"}, {"1234567.89", 8, "0", true, std::nullopt},
+      {"", 11, "0", true, std::nullopt},
+      // Whole numbers: ties to even.
+      {"12", 5, "0", false, "00012"}, {"2.5", 3, "0", false, "002"}, {"3.5", 3, "0", false, "004"},
+      {"-2.5", 3, "0", false, "0-2"}, {"12345", 4, "0", false, std::nullopt},
+      {"3000000000", 11, "0", false, std::nullopt}};
+  for (const auto& [texto, ancho, relleno, centimos, campo] : casos)
+    EXPECT_EQ(CAMPONUM(texto, ancho, relleno, centimos), campo) << texto << " " << ancho;
 }
 
 TEST(LecturaDeNumeros, ValLeeLoQuePuedeYLaConversionTodoONada) {
-  EXPECT_EQ(valorNumerico(" 1 2x"), 12.0);
-  EXPECT_EQ(valorNumerico("  -3.5e2"), -350.0);
-  EXPECT_EQ(valorNumerico("\t\r\n 7"), 7.0);
-  EXPECT_EQ(valorNumerico("1.2.3"), 1.2);
-  EXPECT_EQ(valorNumerico("12,5"), 12.0);
-  EXPECT_EQ(valorNumerico("2D3"), 2000.0);
-  EXPECT_EQ(valorNumerico("1e"), 1.0);
-  EXPECT_EQ(valorNumerico("&H1F"), 31.0);
-  EXPECT_EQ(valorNumerico("&HFFFF"), -1.0);
-  EXPECT_EQ(valorNumerico(""), 0.0);
+  const std::pair<const char*, double> val[] = {{" 1 2x", 12}, {"  -3.5e2", -350}, {"\t\r\n 7", 7}, {"1.2.3", 1.2},
+                                                 {"12,5", 12}, {"2D3", 2000}, {"1e", 1}, {"&H1F", 31},
+                                                 {"&HFFFF", -1}, {"", 0}};
+  for (const auto& [texto, valor] : val) EXPECT_EQ(valorNumerico(texto), valor) << texto;
 
-  EXPECT_EQ(convierteNumero("1,234.5"), 1234.5);
+  const std::pair<const char*, std::optional<double>> conversion[] = {
+      {"1,234.5", 1234.5}, {" -3 ", -3}, {"1e3", 1000}, {"12a", std::nullopt}, {"1e", std::nullopt}, {"", std::nullopt}};
+  for (const auto& [texto, valor] : conversion) EXPECT_EQ(convierteNumero(texto), valor) << texto;
   EXPECT_EQ(convierteNumero("1.234,5", kComa), 1234.5);
-  EXPECT_EQ(convierteNumero(" -3 "), -3.0);
-  EXPECT_EQ(convierteNumero("1e3"), 1000.0);
-  EXPECT_EQ(convierteNumero("12a"), std::nullopt);
-  EXPECT_EQ(convierteNumero("1e"), std::nullopt);
-  EXPECT_EQ(convierteNumero(""), std::nullopt);
 }
 
 TEST(TextoGeneral, QuinceCifrasSignificativas) {
-  EXPECT_EQ(textoGeneral(0.0), "0");
-  EXPECT_EQ(textoGeneral(-0.0), "0");
-  EXPECT_EQ(textoGeneral(-0.5), "-0.5");
-  EXPECT_EQ(textoGeneral(123456789012345.0), "123456789012345");
-  EXPECT_EQ(textoGeneral(123.456 * 100.0), "12345.6");
-  EXPECT_EQ(textoGeneral(0.0001), "0.0001");
-  EXPECT_EQ(textoGeneral(0.00001), "1E-05");
-  EXPECT_EQ(textoGeneral(1e15), "1E+15");
-  EXPECT_EQ(textoGeneral(999999999999999.9), "1E+15");
+  const std::pair<double, const char*> casos[] = {
+      {0.0, "0"},        {-0.0, "0"},        {-0.5, "-0.5"}, {123456789012345.0, "123456789012345"},
+      {123.456 * 100.0, "12345.6"}, {0.0001, "0.0001"}, {0.00001, "1E-05"}, {1e15, "1E+15"},
+      {999999999999999.9, "1E+15"}};
+  for (const auto& [valor, texto] : casos) EXPECT_EQ(textoGeneral(valor), texto) << valor;
 }
 
 TEST(EnterosLargos, EmpateAlParYLimitesDelLong) {

@@ -12,13 +12,13 @@
 #include "statement/pagina.h"
 #include "stores/numeros.h"
 #include "stores/texto.h"
-#include "tests/apoyo.h"
+#include "tests/cli_prueba.h"
 
 namespace valdor {
 namespace {
 
 namespace fs = std::filesystem;
-using pruebas::CarpetaTemporal;
+using pruebas::contiene;
 using pruebas::valdor;
 
 TEST(Pagina, ElDesplazamientoDelAvanceDelImpreso) {
@@ -71,14 +71,11 @@ void sinMargen(std::vector<std::string>& lineas) {
   for (std::string& l : lineas) l.erase(0, std::min(margen, l.size()));
 }
 
-TEST(Pagina, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
+using PaginaMuestra = pruebas::CliMuestra;
+
+TEST_F(PaginaMuestra, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
   if (std::system("command -v pdftotext >/dev/null 2>&1") != 0)
     GTEST_SKIP() << "Falta pdftotext (paquete poppler-utils): no se puede leer el texto del PDF.";
-  CarpetaTemporal c;
-  setenv("WINEPREFIX", (c / "wine").c_str(), 1);
-  unsetenv("VALDOR_IMPRESORA");
-  unsetenv("VALDOR_DESPLAZAMIENTO");
-  ASSERT_EQ(valdor(c, {"--ahora", "2026-11-15 07:30", "muestra"}).estado, 0);
   // The bakery: a sole trader's name with accents and an Ñ, sent by R.E.D., every block
   // of the statement with figures.
   const std::vector<std::string> orden{"imprimir", "--mes", "10", "--ano", "2026", "--empresa", "41123409876", "--red"};
@@ -105,14 +102,13 @@ TEST(Pagina, ElPdfLlevaLosMismosCaracteresEnLosMismosSitiosQueElPuerto) {
   sinMargen(enPdf);
   ASSERT_GT(puerto.size(), 30u);
   EXPECT_EQ(enPdf, puerto);
-  EXPECT_NE(cp1252AUtf8(PONACENTOS(pruebas::leeBytes(c / "trabajo" / "boletin.txt"))).find("NO ACOMPAÑA TC-2"),
-            std::string::npos);
+  EXPECT_TRUE(contiene(cp1252AUtf8(PONACENTOS(pruebas::leeBytes(c / "trabajo" / "boletin.txt"))), "NO ACOMPAÑA TC-2"));
 
   // A folder that is not there: the message names the file and why; nothing is left.
   const pruebas::Resultado mal = con({"--pdf", (c / "no" / "hay.pdf").string()});
   EXPECT_EQ(mal.estado, 1);
-  EXPECT_NE(mal.errores.find((c / "no" / "hay.pdf").string()), std::string::npos) << mal.errores;
-  EXPECT_NE(mal.errores.find("no existe el fichero o la carpeta"), std::string::npos) << mal.errores;
+  EXPECT_TRUE(contiene(mal.errores, (c / "no" / "hay.pdf").string()));
+  EXPECT_TRUE(contiene(mal.errores, "no existe el fichero o la carpeta"));
   EXPECT_FALSE(fs::exists(c / "no"));
 }
 

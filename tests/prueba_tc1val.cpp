@@ -58,15 +58,12 @@ TEST(TC1VAL, EmpresaDeTresTrabajadoresLineaALinea) {
   EXPECT_EQ(g.texto(1, 0), "00002");
   EXPECT_EQ(g.texto(3, 0), "00003");
   EXPECT_EQ(g.texto(3, 41), "601");
-  const BOLETIN& b = m.calculo.boletin;
-  EXPECT_DOUBLE_EQ(b.CCBASE.valor(), 4500);
-  EXPECT_DOUBLE_EQ(b.ATCUOTAIT.valor(), 74.25);   // 50.25 + 16.00 + 8.00
-  EXPECT_DOUBLE_EQ(b.ATCUOTAIMS.valor(), 71.25);  // 50.25 + 14.00 + 7.00
-  // The bonus of 1000: half of 236.00, and half of 55.00, 2.00 and 6.00.
-  EXPECT_DOUBLE_EQ(b.OTBONRED.valor(), 149.5);
-  // The other contributions by class: 3000 at 7.95 and 1500 at 1.55 + 6.70 + 0.20 + 0.70.
-  EXPECT_DOUBLE_EQ(b.OTCUOTA.valor(), 238.5 + 137.25);
-  EXPECT_EQ(b.BOLTRABAJADORES.valor(), 3);
+  // Accidents 50.25 + 16.00 + 8.00 and 50.25 + 14.00 + 7.00; the bonus of 1000: half of
+  // 236.00, and half of 55.00, 2.00 and 6.00; the other contributions by class: 3000 at
+  // 7.95 and 1500 at 1.55 + 6.70 + 0.20 + 0.70.
+  pruebas::esperaCifras(m.calculo.boletin,
+                        {{&BOLETIN::CCBASE, 4500}, {&BOLETIN::ATCUOTAIT, 74.25}, {&BOLETIN::ATCUOTAIMS, 71.25},
+                         {&BOLETIN::OTBONRED, 149.5}, {&BOLETIN::OTCUOTA, 238.5 + 137.25}, {&BOLETIN::BOLTRABAJADORES, 3}});
   const std::array<std::string, 26>& L = m.L;
 
   EXPECT_EQ(L[1], "EDTCA01000" "00000450000" "T" "028" "30000" "00000127350" + blancos(29));

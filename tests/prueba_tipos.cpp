@@ -158,14 +158,9 @@ TEST(FicheroTiposLectura, FicheroVacioCortoODanadoEsUnErrorQueLoNombra) {
   t.CCTIPO = "  99.00";
   for (const auto& [contenido, motivo] : casos) {
     escribeBytes(ruta, contenido);
-    try {
-      LEETIPOS(dir.ruta(), 2022, 1, "", t);
-      ADD_FAILURE() << "se ha aceptado: " << motivo;
-    } catch (const ErrorFichero& e) {
-      const std::string texto = e.what();
-      EXPECT_EQ(texto.rfind("El fichero de tipos \"" + ruta.string() + "\" ", 0), 0u) << texto;
-      EXPECT_NE(texto.find(motivo), std::string::npos) << texto;
-    }
+    const std::string texto = pruebas::mensajeDe<ErrorFichero>([&] { LEETIPOS(dir.ruta(), 2022, 1, "", t); });
+    EXPECT_EQ(texto.rfind("El fichero de tipos \"" + ruta.string() + "\" ", 0), 0u) << texto;
+    EXPECT_NE(texto.find(motivo), std::string::npos) << texto;
     EXPECT_EQ(leeBytes(ruta), contenido);
     EXPECT_EQ(t.CCTIPO, "  99.00");
   }

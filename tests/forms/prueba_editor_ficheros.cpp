@@ -158,21 +158,6 @@ class PruebaEditorFicheros : public QObject {
     QCOMPARE(b.etiqueta("observaciones"), QStringLiteral("Ninguna línea con observaciones."));
   }
 
-  void unFicheroQueNoSeGeneroDejaLaRejillaVacia() {
-    Banco b;
-    b.p.g.FICHEROSALIDA = "   ";
-    EDITOR f(b.p, b.lanzador);
-    QCOMPARE(f.findChild<QTableWidget*>(QStringLiteral("REJILLA"))->rowCount(), 0);
-    // Nothing to save or to print.
-    f.pulsaBarraLista(QStringLiteral("guar"));
-    f.pulsaBarraLista(QStringLiteral("IMPRI"));
-    QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
-    QCOMPARE(b.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
-    QCOMPARE(b.dialogos.mensajes[0].texto, std::string("El fichero no se generó. El proceso ha sido abortado."_cp));
-    QCOMPARE(b.dialogos.mensajes[0].icono, Icono::Critico);
-    QVERIFY(b.lanzador.ordenes.empty());
-  }
-
   void laEdicionCuentaDeNuevoYRehusaLoQueNoCabeEnElFichero() {
     Banco b;
     // ETI, one company (EMP, RZS), one worker and the trailer: 1 company, 5 lines.
@@ -381,6 +366,8 @@ class PruebaEditorFicheros : public QObject {
     QCOMPARE(b.rejilla()->rowAt(0), 5);
   }
 
+  // The print, the Cancel that drops an edit, a form closed in mid-edit, and a file that
+  // was not generated.
   void imprimirEntregaElFicheroYCancelarNoGuarda() {
     Banco b;
     b.abre({ETI, EMP});
@@ -410,6 +397,18 @@ class PruebaEditorFicheros : public QObject {
     QCoreApplication::processEvents();
     QVERIFY(b.dialogos.mensajes.empty());
     QCOMPARE(b.guardado(), bytes);
+
+    // A file that was not generated: an empty grid, and nothing to save or to print.
+    b.p.g.FICHEROSALIDA = "   ";
+    EDITOR vacio(b.p, b.lanzador);
+    QCOMPARE(vacio.findChild<QTableWidget*>(QStringLiteral("REJILLA"))->rowCount(), 0);
+    vacio.pulsaBarraLista(QStringLiteral("guar"));
+    vacio.pulsaBarraLista(QStringLiteral("IMPRI"));
+    QCOMPARE(b.dialogos.mensajes.size(), std::size_t{1});
+    QCOMPARE(b.dialogos.mensajes[0].titulo, std::string("VALDOR+"));
+    QCOMPARE(b.dialogos.mensajes[0].texto, std::string("El fichero no se generó. El proceso ha sido abortado."_cp));
+    QCOMPARE(b.dialogos.mensajes[0].icono, Icono::Critico);
+    QCOMPARE(b.lanzador.ordenes.size(), std::size_t{1});  // the print of the file above
   }
 
   // Escape, "Cancelar" and the window's close ask before unsaved edits are dropped; the

@@ -21,13 +21,12 @@
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
-#include <fstream>
 #include <iostream>
-#include <iterator>
 #include <random>
 #include <string>
 #include <vector>
 
+#include "tests/apoyo.h"
 #include "tests/fuzz/objetivo.h"
 
 namespace valdor::fuzz {
@@ -39,11 +38,6 @@ namespace fs = std::filesystem;
 // the sanitizer's death callback takes no argument, so it lives here.
 const std::string* entradaEnCurso = nullptr;
 
-std::string leeFichero(const fs::path& ruta) {
-  std::ifstream entrada(ruta, std::ios::binary);
-  return {std::istreambuf_iterator<char>(entrada), std::istreambuf_iterator<char>()};
-}
-
 void guardaEntrada() {
   if (!entradaEnCurso) return;
   std::uint64_t hash = 1469598103934665603ull;  // FNV-1a
@@ -53,7 +47,7 @@ void guardaEntrada() {
   std::error_code ec;
   fs::create_directories("fuzz-fallos", ec);
   const fs::path ruta = fs::absolute(fs::path("fuzz-fallos") / (std::string(NOMBREOBJETIVO) + "-" + nombre));
-  std::ofstream(ruta, std::ios::binary).write(entradaEnCurso->data(), static_cast<std::streamsize>(entradaEnCurso->size()));
+  pruebas::escribeBytes(ruta, *entradaEnCurso);
   std::cerr << "Entrada que falla (" << entradaEnCurso->size() << " bytes) guardada en " << ruta.string()
             << "\nCópiela a tests/fuzz/casos/" << NOMBREOBJETIVO << "/ para que se repita como prueba.\n";
 }
@@ -156,9 +150,9 @@ std::vector<std::string> casosDe(const fs::path& ruta) {
     for (const auto& e : fs::directory_iterator(ruta, ec))
       if (e.is_regular_file()) ficheros.push_back(e.path());
     std::sort(ficheros.begin(), ficheros.end());
-    for (const auto& f : ficheros) casos.push_back(leeFichero(f));
+    for (const auto& f : ficheros) casos.push_back(pruebas::leeBytes(f));
   } else if (fs::is_regular_file(ruta, ec)) {
-    casos.push_back(leeFichero(ruta));
+    casos.push_back(pruebas::leeBytes(ruta));
   }
   return casos;
 }

@@ -70,7 +70,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* datos, std::size_t tam
   const char* const nombres[] = {"F0000000.FAN", "F0000000.AFI", "NOTAS.TXT"};
   const TipoIntercambio tipos[] = {TipoIntercambio::FAN, TipoIntercambio::AFI, TipoIntercambio::Otro};
   const std::size_t k = tamano ? datos[0] % 3 : 0;
-  const auto fichero = carpeta().escribe(nombres[k], bytes);
+  const auto fichero = escribe(nombres[k], bytes);
   if (tipoDeFichero(nombres[k]) != tipos[k]) fallaFuzz("tipo de fichero");
 
   const std::vector<Esperada> esperadas = parte(bytes);

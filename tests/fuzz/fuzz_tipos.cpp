@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* datos, std::size_t tam
   using namespace valdor;
   using namespace valdor::fuzz;
   const std::string bytes(reinterpret_cast<const char*>(datos), tamano);
-  const auto fichero = carpeta().escribe("N-SS2024.MDB", bytes);
+  const auto fichero = escribe("N-SS2024.MDB", bytes);
 
   // Any record of the file, as it is read one by one.
   const int numero = tamano ? datos[tamano - 1] % 40 : 1;
@@ -60,6 +60,6 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* datos, std::size_t tam
     if (std::string(e.what()).find(fichero.filename().string()) == std::string::npos)
       fallaFuzz("el mensaje no nombra el fichero");
   }
-  if (leeTodo(fichero) != bytes) fallaFuzz("la lectura ha cambiado el fichero");
+  if (leeBytes(fichero) != bytes) fallaFuzz("la lectura ha cambiado el fichero");
   return 0;
 }
