@@ -9,12 +9,17 @@
 // sample office of October 2026, for a user whose decimal separator is the comma:
 //  - asistente.png: the wizard prepared for a contribution (FAN);
 //  - boletin-tc1.png: the TC1 statement form after "Calcular" of the bakery alone;
-//  - vista-previa.png: the print preview of that statement on plain paper.
+//  - vista-previa.png: the print preview of that statement on plain paper;
+// and, for a user whose decimal separator is the point:
+//  - editor.png: the month's FAN file written from the wizard, in the editor it offers,
+//    with one line changed and not saved yet.
 //
 //   valdor-capturas CARPETA      (run by tools/capturas.sh under xvfb-run)
 #include <QApplication>
 #include <QCheckBox>
 #include <QComboBox>
+#include <QElapsedTimer>
+#include <QKeyEvent>
 #include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
@@ -28,6 +33,7 @@
 #include <iostream>
 
 #include "app/frmmain.h"
+#include "browser/forms/editor.h"
 #include "engine/forms/boletin_tc1.h"
 #include "engine/forms/cotval.h"
 #include "fan/forms/cotizacion.h"
@@ -115,22 +121,106 @@ bool capturasDelFan(const fs::path& raiz, const fs::path& salida) {
   return bien;
 }
 
-// The main window over the hand-made office in `raiz`: the wizard, the TC1 form and its
-// print preview.
-bool capturasDeLaVentana(const fs::path& raiz, const fs::path& salida) {
+// The hand-made sample office of October 2026, written in `raiz`.
+Carpetas oficinaMuestra(const fs::path& raiz) {
   const Carpetas carpetas{raiz / "programa", raiz / "trabajo"};
   escribeOficinaMuestra(carpetas, OpcionesMuestra{10, 2026, 0, 0});
+  return carpetas;
+}
+
+// The main window over the sample office in `raiz`, at the size the program gives it,
+// for a user with the given separators.
+struct Escritorio {
+  Escritorio(const fs::path& raiz, Separadores separadores)
+      : programa(oficinaMuestra(raiz), dialogos, separadores, MOMENTO),
+        ventana(programa, lanzador, EntornoWine{raiz / "wine"}) {
+    programa.entornoWine = {raiz / "wine"};  // the files go to the office's own Wine drive
+    dialogos.ponVentana(&ventana);
+    QObject::connect(&dialogos, &formularios::DialogosQt::progresoCambiado, &ventana,
+                     &formularios::frmMain::muestraProgreso);
+    ventana.resize(formularios::frmMain::TAMANOINICIAL);
+    ventana.show();
+    ventana.carga();
+  }
+  ~Escritorio() { ventana.close(); }
 
   formularios::DialogosQt dialogos;
-  Programa programa(carpetas, dialogos, Separadores{',', '.'}, MOMENTO);
+  Programa programa;
   SinLanzar lanzador;
-  formularios::frmMain ventana(programa, lanzador, EntornoWine{raiz / "wine"});
-  dialogos.ponVentana(&ventana);
-  QObject::connect(&dialogos, &formularios::DialogosQt::progresoCambiado, &ventana,
-                   &formularios::frmMain::muestraProgreso);
-  ventana.resize(formularios::frmMain::TAMANOINICIAL);
-  ventana.show();
-  ventana.carga();
+  formularios::frmMain ventana;
+};
+
+// The wizard's "Aceptar" over the sample office, for a user whose decimal separator is
+// the point (the one the rate files are written with): every company of the month, the
+// question to edit the file answered "Sí", and in the editor the given name of the first
+// worker retyped; the picture is taken with that change unsaved, which is then dropped.
+// Any other box is accepted.
+bool capturaDelEditor(const fs::path& raiz, const fs::path& salida) {
+  Escritorio e(raiz, Separadores{});
+  formularios::frmMain& ventana = e.ventana;
+  ventana.pulsaBarraLista(QStringLiteral("cotiza"));
+  enum { SELECCION, EDITOR, HECHO } paso = SELECCION;
+  bool hecha = false;
+  QElapsedTimer reloj;
+  reloj.start();
+  QTimer vigia;
+  // Each step that opens a box of its own is started from a zero timer, so that the
+  // watch goes on looking while that box waits.
+  QObject::connect(&vigia, &QTimer::timeout, [&] {
+    QWidget* modal = QApplication::activeModalWidget();
+    if (!modal) return;
+    if (reloj.elapsed() > 60000) {  // something unforeseen: give up, and say so below
+      paso = HECHO;
+      QTimer::singleShot(0, modal, &QWidget::close);
+      return;
+    }
+    if (auto* caja = qobject_cast<QMessageBox*>(modal)) {
+      QAbstractButton* boton = caja->button(QMessageBox::Discard);
+      if (!boton && caja->text().contains(QStringLiteral("¿Desea editar"))) boton = caja->button(QMessageBox::Yes);
+      if (!boton) boton = caja->defaultButton();
+      if (boton) QTimer::singleShot(0, boton, &QAbstractButton::click);
+      return;
+    }
+    if (paso == SELECCION && modal->objectName() == QLatin1String("COTIZACION")) {
+      paso = EDITOR;
+      QTimer::singleShot(0, modal, [modal] {
+        modal->findChild<QPushButton*>(QStringLiteral("PRESIONBOTON"))->click();
+        modal->findChild<QCheckBox*>(QStringLiteral("MarcarTodas"))->click();
+        elemento(modal, "pro")->click();
+      });
+    } else if (paso == EDITOR && modal->objectName() == QLatin1String("EDITOR")) {
+      paso = HECHO;
+      auto* rejilla = modal->findChild<QTableWidget*>(QStringLiteral("REJILLA"));
+      for (int fila = 0; fila < rejilla->rowCount(); ++fila) {
+        QTableWidgetItem* linea = rejilla->item(fila, formularios::EDITOR::LINEA);
+        if (!linea || !linea->text().startsWith(QLatin1String("AYN"))) continue;
+        rejilla->editItem(linea);
+        auto* edicion = rejilla->findChild<QLineEdit*>(QStringLiteral("edicion"));
+        if (!edicion) break;
+        // The given name is at positions 44 to 58 of the line.
+        edicion->setText(edicion->text().left(43) + QStringLiteral("PEDRO").leftJustified(15) +
+                         edicion->text().mid(58));
+        QKeyEvent intro(QEvent::KeyPress, Qt::Key_Return, Qt::NoModifier);
+        QApplication::sendEvent(edicion, &intro);
+        break;
+      }
+      modal->resize(1120, 680);
+      QApplication::processEvents();
+      hecha = guarda(modal, salida / "editor.png");
+      QTimer::singleShot(0, modal, &QWidget::close);
+    }
+  });
+  vigia.start(100);
+  ventana.asistente()->findChild<QPushButton*>(QStringLiteral("Command3"))->click();
+  if (!hecha) std::cerr << "No se ha visto el editor con el fichero del mes\n";
+  return hecha;
+}
+
+// The main window over the sample office in `raiz`, for a user whose decimal separator
+// is the comma: the wizard, the TC1 form and its print preview.
+bool capturasDeLaVentana(const fs::path& raiz, const fs::path& salida) {
+  Escritorio e(raiz, Separadores{',', '.'});
+  formularios::frmMain& ventana = e.ventana;
   ventana.pulsaBarraLista(QStringLiteral("cotiza"));
   QApplication::processEvents();
   bool bien = guarda(&ventana, salida / "asistente.png");
@@ -158,7 +248,6 @@ bool capturasDeLaVentana(const fs::path& raiz, const fs::path& salida) {
   vigia.start(500);
   boletin->findChild<QPushButton*>(QStringLiteral("VistaPrevia"))->click();
   if (!vista) std::cerr << "No se ha visto la vista previa\n";
-  ventana.close();
   return bien && vista;
 }
 
@@ -177,5 +266,6 @@ int main(int argc, char** argv) {
   const fs::path raiz = temporal.path().toStdString();
   const bool fan = capturasDelFan(raiz / "generada", salida);
   const bool ventana = capturasDeLaVentana(raiz / "muestra", salida);
-  return fan && ventana ? 0 : 1;
+  const bool editor = capturaDelEditor(raiz / "editor", salida);
+  return fan && ventana && editor ? 0 : 1;
 }
