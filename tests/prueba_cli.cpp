@@ -131,6 +131,17 @@ TEST_F(CliMuestra, FanEscribeElFicheroDeLaMuestraYRevisarLoCompruebaYaLoDanado) 
   r = valdor(c, {"revisar", (c / "roto.FAN").string()});
   EXPECT_EQ(r.estado, 1);
   EXPECT_TRUE(contiene(r.salida, "tiene 8 caracteres y debe tener 70."));
+  // The same for a script: one document, the line findings in their list, the verdict last.
+  r = valdor(c, {"revisar", "--json", (c / "roto.FAN").string()});
+  EXPECT_EQ(r.estado, 1);
+  EXPECT_TRUE(r.salida.starts_with("{\n  \"fichero\": \"")) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "tiene 8 caracteres y debe tener 70."));
+  EXPECT_TRUE(r.salida.ends_with(",\n  \"bien\": false\n}\n")) << r.salida;
+  // A file of another kind has only its lines' length and ends checked.
+  pruebas::escribeBytes(c / "copia.TXT", leeBytes(fichero));
+  r = valdor(c, {"revisar", (c / "copia.TXT").string()});
+  EXPECT_EQ(r.estado, 0) << r.salida;
+  EXPECT_TRUE(contiene(r.salida, "No es un fichero .FAN ni .AFI"));
   // ...and a line whose end is a LF alone is marked with its number.
   std::string bytes = leeBytes(fichero);
   bytes.erase(70, 1);  // the CR that ends the first line
