@@ -185,8 +185,7 @@ void AFILIA::construye() {
 
   colocaForma(this, nullptr, cabecera, cuerpo);
   // The order of the keyboard: the two grids, then the commands from left to right.
-  QWidget* const orden[] = {GRID1_, Grid2_, cancelarTrabajo_, Command2_, Command3_, Command1_};
-  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
+  ordenTab({GRID1_, Grid2_, cancelarTrabajo_, Command2_, Command3_, Command1_});
 
   // The run's progress reaches the bar as the rules tell it, when the desktop answers them.
   if (auto* dialogos = dialogosQt(programa_.dialogos()))

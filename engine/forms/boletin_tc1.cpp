@@ -26,6 +26,7 @@
 #include "engine/cotval.h"
 #include "engine/motor.h"
 #include "engine/tc1val.h"
+#include "shell/forms/cabecera.h"
 #include "shell/forms/dialogos_qt.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/ajustes.h"
@@ -267,10 +268,8 @@ void TC1VAL::construye() {
   capa->addWidget(Pestanas_, 1);
 
   // Tab goes down the rows, each from left to right, and then to the pages.
-  QWidget* const orden[] = {Combo1_, Combo2_,   Option1_[0], Option1_[1], Option1_[2],  todas_,
-                            una_,    ComboEmpresa_, calcular_, Command3D8_, imprimir_, vistaPrevia_,
-                            impresora_, pdf_,    Check4_,     conImpreso_, salir_,      Pestanas_};
-  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
+  ordenTab({Combo1_, Combo2_, Option1_[0], Option1_[1], Option1_[2], todas_, una_, ComboEmpresa_, calcular_,
+            Command3D8_, imprimir_, vistaPrevia_, impresora_, pdf_, Check4_, conImpreso_, salir_, Pestanas_});
 
   connect(Combo1_, &QComboBox::currentIndexChanged, this, [this] { cargaEmpresas(); });
   connect(Combo2_, &QComboBox::currentIndexChanged, this, [this] { cargaEmpresas(); });
@@ -433,8 +432,12 @@ std::optional<PaginaBoletin> TC1VAL::pagina() {
   return paginaBoletin(lineas, conImpreso_->isChecked(), desplazamiento);
 }
 
-void TC1VAL::cuentaResultado(const QString& hecho, const QString& fallo) {
+void TC1VAL::avisaFallo(const QString& fallo) {
   if (!fallo.isEmpty()) programa_.dialogos().mensaje("ERROR DE IMPRESION", aCp1252(fallo), Icono::Critico);
+}
+
+void TC1VAL::cuentaResultado(const QString& hecho, const QString& fallo) {
+  avisaFallo(fallo);
   Panel3D3_->setText(fallo.isEmpty() ? hecho : fallo);
   Panel3D3_->show();
 }
@@ -453,7 +456,7 @@ void TC1VAL::vistaPrevia() {
   connect(&dialogo, &QPrintPreviewDialog::paintRequested, this,
           [&](QPrinter* destino) { fallo = imprimePagina(*destino, *p); });
   dialogo.exec();
-  if (!fallo.isEmpty()) programa_.dialogos().mensaje("ERROR DE IMPRESION", aCp1252(fallo), Icono::Critico);
+  avisaFallo(fallo);
 }
 
 void TC1VAL::imprimeEnImpresora() {

@@ -94,6 +94,8 @@ class TC1VAL : public QWidget {
   // The outcome of a printing on the form: `hecho` when it went, else `fallo` (which
   // names the printer or the file and says why), in a box as well.
   void cuentaResultado(const QString& hecho, const QString& fallo);
+  // A printing's failure (empty: none) in a box.
+  void avisaFallo(const QString& fallo);
   void sal();
 
   // A month may hold thousands of companies: the statement is drawn at most every

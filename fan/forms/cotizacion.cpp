@@ -256,9 +256,8 @@ void COTIZACION::construye() {
 
   colocaForma(this, barra, titulo, cuerpo);
   // The order of the keyboard: the period, the liquidation, the filter, the list, the options.
-  QWidget* const orden[] = {Combo1_, Combo2_,      verificar_, clase_,      calificador_, filtro_,
-                            grid_,   marcarTodas_, devEnCta_,  alfabetica_, normal,       diferencias};
-  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
+  ordenTab({Combo1_, Combo2_, verificar_, clase_, calificador_, filtro_, grid_, marcarTodas_, devEnCta_, alfabetica_,
+            normal, diferencias});
 }
 
 // The controls from the selection: the chosen items and what is enabled.

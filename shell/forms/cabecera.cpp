@@ -44,4 +44,12 @@ void colocaForma(QWidget* forma, QWidget* barra, QWidget* cabecera, QLayout* cue
   capa->addLayout(columna, 1);
 }
 
+void ordenTab(std::initializer_list<QWidget*> controles) {
+  QWidget* anterior = nullptr;
+  for (QWidget* control : controles) {
+    if (anterior) QWidget::setTabOrder(anterior, control);
+    anterior = control;
+  }
+}
+
 }  // namespace valdor::formularios

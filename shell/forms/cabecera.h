@@ -1,8 +1,9 @@
 // The blue title band of the program's forms: the title in white and, under it, a line
-// of detail (the file, the root, the sender).
+// of detail (the file, the root, the sender); and how a form lays out its parts.
 #pragma once
 
 #include <QString>
+#include <initializer_list>
 
 class QFrame;
 class QLayout;
@@ -25,5 +26,8 @@ Cabecera cabecera(QWidget* padre, const QString& titulo, int puntos, const QStri
 // The layout of a form: the band over the body, with the list bar (if any) on the left
 // of both; no margins between them.
 void colocaForma(QWidget* forma, QWidget* barra, QWidget* cabecera, QLayout* cuerpo);
+
+// The order in which the Tab key visits `controles`, from the first to the last.
+void ordenTab(std::initializer_list<QWidget*> controles);
 
 }  // namespace valdor::formularios

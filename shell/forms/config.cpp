@@ -17,6 +17,7 @@
 #include <QVBoxLayout>
 #include <algorithm>
 
+#include "shell/forms/cabecera.h"
 #include "shell/forms/texto_qt.h"
 #include "shell/programa.h"
 #include "stores/literales.h"
@@ -137,8 +138,7 @@ config::config(Programa& programa, EntornoWine entorno, QWidget* padre)
   cargaRejilla();
   // The order of the keyboard, top to bottom after the tab: the company, the grid and
   // the route in its last row with its "...", then the two buttons.
-  QWidget* const orden[] = {Combo1_, CONFI_, rutaWinsuite_, buscaWinsuite_, aceptar, cancelar};
-  for (std::size_t i = 1; i < std::size(orden); ++i) setTabOrder(orden[i - 1], orden[i]);
+  ordenTab({Combo1_, CONFI_, rutaWinsuite_, buscaWinsuite_, aceptar, cancelar});
 }
 
 void config::cargaRejilla() {

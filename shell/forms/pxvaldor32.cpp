@@ -253,12 +253,8 @@ void PXVALDOR32::construye() {
 
   // Tab goes down the page as it reads: the mode, the replaced send, the name, the keys,
   // "&Aceptar", and the close control last.
-  QWidget* anterior = Option2_->button(0);
-  for (QWidget* w : std::initializer_list<QWidget*>{Option2_->button(1), Option2_->button(2), Text3_, Text4_, Text5_,
-                                                     Text6_, Text7_, Text8_, Text10_, Text11_, Command3_, controlcerrar}) {
-    setTabOrder(anterior, w);
-    anterior = w;
-  }
+  ordenTab({Option2_->button(0), Option2_->button(1), Option2_->button(2), Text3_, Text4_, Text5_, Text6_, Text7_,
+            Text8_, Text10_, Text11_, Command3_, controlcerrar});
 }
 
 void PXVALDOR32::carga() {
